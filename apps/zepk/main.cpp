@@ -1,22 +1,203 @@
+// zepk: the standalone host. Runs LISP files, scripts and expressions in one
+// session, or reads a command line from standard input or a terminal.
+#include <pthread.h>
+#include <readline/history.h>
+#include <readline/readline.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
 #include <iostream>
+#include <sstream>
 #include <string>
+#include <vector>
+
+#include "host/editor/commandline.h"
 #include "host/lisp/interp.h"
 #include "host/lisp/printer.h"
 #include "host/system/utf.h"
+#if __has_include("host/lisp/bridge.h")
+#include "host/lisp/bridge.h"
+#include "host/rxmodule.h"
+#define HAVE_BRIDGE 1
+#endif
+#if __has_include("host/system/codepage.h")
+#include "host/system/codepage.h"
+#define HAVE_CP_LATER 1
+#endif
+
+namespace {
+
 using namespace zepk;
-int main(int argc, char** argv) {
+
+constexpr const char* kVersion = "0.1.0";
+
+struct Step {
+  enum Kind { Expr, File } kind;
+  std::string text;
+};
+
+struct Options {
+  std::vector<Step> steps;
+};
+
+bool endsWith(const std::string& s, const char* suffix) {
+  size_t n = std::strlen(suffix);
+  if (s.size() < n) return false;
+  for (size_t i = 0; i < n; ++i)
+    if (std::tolower(static_cast<unsigned char>(s[s.size() - n + i])) != suffix[i]) return false;
+  return true;
+}
+
+bool readFile(const std::string& path, std::string* out) {
+  std::ifstream f(path, std::ios::binary);
+  if (!f) return false;
+  std::stringstream ss;
+  ss << f.rdbuf();
+  *out = ss.str();
+  return true;
+}
+
+// Reads lines from a terminal with editing and history.
+void interactive(editor::CommandLine& cl, lisp::Interp& in) {
+  std::string histFile;
+  if (const char* home = std::getenv("HOME")) histFile = std::string(home) + "/.zepk_history";
+  using_history();
+  if (!histFile.empty()) read_history(histFile.c_str());
+  for (;;) {
+    in.out().freshLine();
+    std::string prompt = cl.prompt();
+    char* line = readline(prompt.c_str());
+    if (!line) break;
+    std::string s = line;
+    std::free(line);
+    if (!s.empty()) add_history(s.c_str());
+    // The terminal shows what was typed; the output starts a new line.
+    in.out().write(std::string_view("\n"));
+    in.out().freshLine();
+    cl.feed(s, false);
+  }
+  cl.finish();
+  if (!histFile.empty()) write_history(histFile.c_str());
+  std::printf("\n");
+}
+
+int runSession(const Options& opt) {
   lisp::Interp in;
-  for (int i = 1; i < argc; ++i) {
-    std::string a = argv[i];
-    if (a == "-e" && i + 1 < argc) {
-      lisp::Value v;
-      if (in.evalText(sys::fromUtf8(argv[++i]), &v)) {
-        in.out().freshLine();
-        in.out().write(lisp::prin1String(v));
-        in.out().write(std::string_view("\n"));
-      }
+  in.maxDepth = 30000;
+#ifdef HAVE_CP
+  in.decodeCodePage = [](std::string_view bytes) { return sys::fromCodePage(bytes); };
+#endif
+#ifdef HAVE_BRIDGE
+  lisp::installBridge(in);
+  rx::loadAutoloadModules();
+#endif
+  editor::CommandLine cl(in);
+
+  int status = 0;
+  for (const Step& st : opt.steps) {
+    if (st.kind == Step::Expr) {
+      cl.evalAndPrint(sys::fromUtf8(st.text));
+      continue;
+    }
+    const std::string& path = st.text;
+    std::string text;
+    if (!readFile(path, &text)) {
+      std::fprintf(stderr, "zepk: cannot read %s: %s\n", path.c_str(), std::strerror(errno));
+      status = 1;
+      break;
+    }
+    if (endsWith(path, ".lsp")) {
+      in.loadFile(path);
+      in.runQueued();
+    } else if (endsWith(path, ".scr")) {
+      cl.feedScript(text, true);
+      cl.finish();
     } else {
-      in.loadFile(a);
+      std::fprintf(stderr, "zepk: %s: not a LISP file (.lsp) or a script (.scr)\n", path.c_str());
+      status = 2;
+      break;
     }
   }
+
+  if (opt.steps.empty() && status == 0) {
+    if (isatty(STDIN_FILENO)) {
+      interactive(cl, in);
+    } else {
+      std::string line;
+      while (std::getline(std::cin, line)) cl.feed(line, true);
+      cl.finish();
+    }
+  }
+  in.out().freshLine();
+#ifdef HAVE_BRIDGE
+  rx::unloadAllModules();
+#endif
+  return status;
+}
+
+struct ThreadArgs {
+  const Options* opt;
+  int status;
+};
+
+void* sessionThread(void* p) {
+  auto* a = static_cast<ThreadArgs*>(p);
+  a->status = runSession(*a->opt);
+  return nullptr;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options opt;
+  CLI::App app{
+      "zepk: a headless CAD host with the ZEPK survey toolkit.\n"
+      "Runs its arguments in order in one session: FILE.lsp is loaded, FILE.scr runs\n"
+      "as a script, -e EXPR evaluates LISP and prints the value. With no arguments,\n"
+      "reads the command line from standard input or, on a terminal, interactively.",
+      "zepk"};
+  app.set_version_flag("-V,--version", std::string("zepk ") + kVersion + " (host release 17.1)");
+  std::vector<std::string> exprs, files;
+  app.add_option("-e,--eval", exprs, "Evaluate a LISP expression and print its value")->type_name("EXPR");
+  app.add_option("args", files, "LISP files (.lsp) and scripts (.scr), run in order")->type_name("ARG");
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& e) {
+    return app.exit(e);
+  }
+  // The options are valid; take them again in the order given, since
+  // expressions and files run interleaved as written.
+  bool onlyFiles = false;
+  for (int i = 1; i < argc; ++i) {
+    std::string a = argv[i];
+    if (!onlyFiles && a == "--") {
+      onlyFiles = true;
+    } else if (!onlyFiles && (a == "-e" || a == "--eval") && i + 1 < argc) {
+      opt.steps.push_back({Step::Expr, argv[++i]});
+    } else if (!onlyFiles && a.rfind("--eval=", 0) == 0) {
+      opt.steps.push_back({Step::Expr, a.substr(7)});
+    } else if (!onlyFiles && a.size() > 2 && a.rfind("-e", 0) == 0) {
+      opt.steps.push_back({Step::Expr, a.substr(2)});
+    } else {
+      opt.steps.push_back({Step::File, a});
+    }
+  }
+
+  // The session runs on a thread with a large stack, so that deep recursion
+  // in LISP programs meets the interpreter's own limit and not the system's.
+  pthread_attr_t attr;
+  pthread_attr_init(&attr);
+  pthread_attr_setstacksize(&attr, size_t(1) << 30);
+  ThreadArgs args{&opt, 0};
+  pthread_t th;
+  if (pthread_create(&th, &attr, sessionThread, &args) != 0) {
+    args.status = runSession(opt);
+  } else {
+    pthread_join(th, nullptr);
+  }
+  pthread_attr_destroy(&attr);
+  return args.status;
 }

@@ -186,14 +186,6 @@ struct ArgFrame {
 
 }  // namespace
 
-Value Interp::eval(const Value& x) {
-  switch (x.tag()) {
-    case Tag::Sym: return x.asSym()->value;
-    case Tag::Cons: return evalForm(x);
-    default: return x;
-  }
-}
-
 Value Interp::progn(const Value& forms) {
   Value result;
   for (const Value* p = &forms; p->isCons(); p = &p->as<Cons>()->cdr) result = eval(p->as<Cons>()->car);
@@ -234,8 +226,16 @@ Value Interp::evalArgsAndCall(const Value& fn, const Value& argForms, const Valu
   ArgFrame frame(argTop_);
   for (const Value* p = &argForms; p->isCons(); p = &p->as<Cons>()->cdr) {
     if (argTop_ == argEnd_) fail(std::u16string_view(kStackLimit));
-    Value v = eval(p->as<Cons>()->car);
-    new (argTop_) Value(std::move(v));
+    const Value& f = p->as<Cons>()->car;
+    switch (f.tag()) {
+      case Tag::Sym: new (argTop_) Value(f.asSym()->value); break;
+      case Tag::Cons: {
+        Value v = evalForm(f);
+        new (argTop_) Value(std::move(v));
+        break;
+      }
+      default: new (argTop_) Value(f); break;
+    }
     ++argTop_;
   }
   ArgSpan args{frame.base, static_cast<size_t>(argTop_ - frame.base)};

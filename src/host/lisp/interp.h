@@ -70,7 +70,13 @@ class Interp {
   // reach it through here.
   static Interp* current();
 
-  Value eval(const Value& form);
+  Value eval(const Value& form) {
+    switch (form.tag()) {
+      case Tag::Sym: return form.asSym()->value;
+      case Tag::Cons: return evalForm(form);
+      default: return form;
+    }
+  }
   // Calls a function value (a symbol naming one, a built-in, a defun'd
   // function, a compiled function or a lambda list) on evaluated arguments.
   Value apply(const Value& fn, ArgSpan args);

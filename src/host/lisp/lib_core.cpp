@@ -11,11 +11,6 @@ namespace zepk::lisp {
 
 namespace {
 
-const Value& nth(const Value& forms, size_t i) {
-  const Value* p = &forms;
-  while (i-- > 0) p = &cdr(*p);
-  return car(*p);
-}
 
 void formCount(Interp& in, const Value& forms, size_t min, size_t max) {
   size_t n = listLength(forms);
@@ -85,9 +80,10 @@ Value sfSetq(Interp& in, const Value& f) {
 }
 
 Value sfIf(Interp& in, const Value& f) {
-  formCount(in, f, 2, 3);
+  if (!f.isCons() || !f.as<Cons>()->cdr.isCons()) in.fail(std::u16string_view(u"too few arguments"));
   const Cons* c = f.as<Cons>();
   const Cons* rest = c->cdr.as<Cons>();
+  if (rest->cdr.isCons() && rest->cdr.as<Cons>()->cdr.isCons()) in.fail(std::u16string_view(u"too many arguments"));
   if (in.eval(c->car).truthy()) return in.eval(rest->car);
   if (rest->cdr.isCons()) return in.eval(rest->cdr.as<Cons>()->car);
   return Value();

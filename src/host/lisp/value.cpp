@@ -143,6 +143,7 @@ Symbol* symNil = intern("NIL");
 Symbol* symQuote = intern("QUOTE");
 Symbol* symLambda = intern("LAMBDA");
 Symbol* symFunction = intern("FUNCTION");
+Symbol* symVoid = intern("");
 
 Value str(std::string_view utf8) { return str(sys::fromUtf8(utf8)); }
 

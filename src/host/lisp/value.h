@@ -240,6 +240,11 @@ extern Symbol* symNil;
 extern Symbol* symQuote;
 extern Symbol* symLambda;
 extern Symbol* symFunction;
+// The null symbol: what (princ) returns so that the command line prints
+// nothing after a program that ends with it.
+extern Symbol* symVoid;
+inline Value voidValue() { return Value::sym(symVoid); }
+inline bool isVoid(const Value& v) { return v.isSym() && v.asSym() == symVoid; }
 inline Value T() { return Value::sym(symT); }
 inline Value boolean(bool b) { return b ? T() : Value(); }
 
