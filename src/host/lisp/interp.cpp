@@ -76,6 +76,7 @@ Interp* Interp::current() { return gCurrent; }
 
 void Interp::defSubr(std::string_view name, SubrFn fn) {
   auto* s = new Subr;
+  s->refs = 1;  // built-ins are never freed
   s->name = intern(name)->name;
   s->fn = fn;
   intern(name)->value = Value::obj(s);
@@ -83,6 +84,7 @@ void Interp::defSubr(std::string_view name, SubrFn fn) {
 
 void Interp::defSpecial(std::string_view name, SpecialFn fn) {
   auto* s = new Subr;
+  s->refs = 1;  // built-ins are never freed
   s->name = intern(name)->name;
   s->special = fn;
   intern(name)->value = Value::obj(s);
@@ -99,18 +101,6 @@ int Interp::sysvarInt(std::string_view name, int fallback) {
   return v.isInt() ? v.asInt() : fallback;
 }
 
-void Interp::bind(Symbol* s, Value v) {
-  bindings_.push_back(Binding{s, std::move(s->value)});
-  s->value = std::move(v);
-}
-
-void Interp::unbindTo(size_t mark) {
-  while (bindings_.size() > mark) {
-    Binding& b = bindings_.back();
-    b.sym->value = std::move(b.saved);
-    bindings_.pop_back();
-  }
-}
 
 // ---------------------------------------------------------------- errors
 
@@ -192,14 +182,37 @@ Value Interp::progn(const Value& forms) {
   return result;
 }
 
+// Evaluates the argument forms onto the argument stack.
+inline void Interp::pushArgs(const Value& argForms) {
+  for (const Value* p = &argForms; p->isCons(); p = &p->as<Cons>()->cdr) {
+    if (argTop_ == argEnd_) fail(std::u16string_view(kStackLimit));
+    const Value& f = p->as<Cons>()->car;
+    switch (f.tag()) {
+      case Tag::Sym: new (argTop_) Value(f.asSym()->value); break;
+      case Tag::Cons: {
+        Value v = evalForm(f);
+        new (argTop_) Value(std::move(v));
+        break;
+      }
+      default: new (argTop_) Value(f); break;
+    }
+    ++argTop_;
+  }
+}
+
 Value Interp::evalForm(const Value& form) {
   const Cons* c = form.as<Cons>();
   const Value& head = c->car;
+  DepthGuard g(*this, depth_);
   if (head.isSym()) {
     const Value& fv = head.asSym()->value;
-    if (fv.tag() == Tag::Subr && fv.as<Subr>()->special) {
-      DepthGuard g(*this, depth_);
-      return fv.as<Subr>()->special(*this, c->cdr);
+    if (fv.tag() == Tag::Subr) {
+      // Built-ins live for the whole session, so no reference is taken.
+      Subr* s = fv.as<Subr>();
+      if (s->special) return s->special(*this, c->cdr);
+      ArgFrame frame(argTop_);
+      pushArgs(c->cdr);
+      return s->fn(*this, ArgSpan{frame.base, static_cast<size_t>(argTop_ - frame.base)});
     }
     Value fn = fv;  // the symbol may be rebound while arguments are evaluated
     return evalArgsAndCall(fn, c->cdr, head);
@@ -222,22 +235,8 @@ Value Interp::evalArgsAndCall(const Value& fn, const Value& argForms, const Valu
       fail(u"bad function: " + prin1String(head));
     default: fail(u"bad function: " + prin1String(fn));
   }
-  DepthGuard g(*this, depth_);
   ArgFrame frame(argTop_);
-  for (const Value* p = &argForms; p->isCons(); p = &p->as<Cons>()->cdr) {
-    if (argTop_ == argEnd_) fail(std::u16string_view(kStackLimit));
-    const Value& f = p->as<Cons>()->car;
-    switch (f.tag()) {
-      case Tag::Sym: new (argTop_) Value(f.asSym()->value); break;
-      case Tag::Cons: {
-        Value v = evalForm(f);
-        new (argTop_) Value(std::move(v));
-        break;
-      }
-      default: new (argTop_) Value(f); break;
-    }
-    ++argTop_;
-  }
+  pushArgs(argForms);
   ArgSpan args{frame.base, static_cast<size_t>(argTop_ - frame.base)};
   switch (fn.tag()) {
     case Tag::Subr: {

@@ -134,8 +134,17 @@ class Interp {
     Value saved;
   };
   size_t bindMark() const { return bindings_.size(); }
-  void bind(Symbol* s, Value v);
-  void unbindTo(size_t mark);
+  void bind(Symbol* s, Value v) {
+    bindings_.push_back(Binding{s, std::move(s->value)});
+    s->value = std::move(v);
+  }
+  void unbindTo(size_t mark) {
+    while (bindings_.size() > mark) {
+      Binding& b = bindings_.back();
+      b.sym->value = std::move(b.saved);
+      bindings_.pop_back();
+    }
+  }
 
   // Stack of evaluated arguments, used by calls so that no call allocates.
   Value* argTop() { return argTop_; }
@@ -146,6 +155,7 @@ class Interp {
   Value callUsubr(Usubr* u, ArgSpan args);
   Value callLambdaList(const Value& fn, ArgSpan args);
   Value evalArgsAndCall(const Value& fn, const Value& argForms, const Value& head);
+  void pushArgs(const Value& argForms);
   void reportError(std::u16string_view message);
 
   StdoutOutput stdout_;
