@@ -3,7 +3,7 @@
 //
 // Text is UTF-16; lengths and positions count UTF-16 units. substr counts
 // from 1, the vl-string- functions from 0.
-#include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <string>
 
@@ -137,11 +137,10 @@ Value fnAtof(Interp& in, ArgSpan a) {
   if (!digits) return Value::real(0.0);
   if (i < s.size() && (s[i] == u'e' || s[i] == u'E')) {
     size_t j = i + 1;
-    if (j < s.size() && (s[j] == u'-' || s[j] == u'+')) ++j;
-    if (digitAt(j)) {
-      t.push_back('e');
-      for (++i; i < s.size() && (s[i] == u'-' || s[i] == u'+' || digitAt(i)); ++i) t.push_back(static_cast<char>(s[i]));
-    }
+    std::string e = "e";
+    if (j < s.size() && (s[j] == u'-' || s[j] == u'+')) e.push_back(static_cast<char>(s[j++]));
+    while (digitAt(j)) e.push_back(static_cast<char>(s[j++]));
+    if (e.back() >= '0' && e.back() <= '9') t += e;
   }
   return Value::real(std::strtod(t.c_str(), nullptr));
 }

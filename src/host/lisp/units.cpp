@@ -1,5 +1,6 @@
 #include "host/lisp/units.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -11,7 +12,18 @@ namespace {
 
 constexpr double kPi = 3.14159265358979323846;
 
+// Decimal places beyond what a double holds are zeros; past this they are
+// not written at all.
+constexpr int kMaxPlaces = 20;
+
 std::u16string widen(const std::string& s) { return std::u16string(s.begin(), s.end()); }
+
+// A whole number written out in full (feet, whole inches, degrees).
+std::string whole(double w) {
+  char buf[400];
+  std::snprintf(buf, sizeof buf, "%.0f", w);
+  return buf;
+}
 
 // A non-negative number rounded to a count of decimal places.
 struct Fixed {
@@ -123,10 +135,8 @@ std::string feetInches(double feet, const std::string& inches, bool inchZero, co
   bool showFeet = !feetZero || rule == 1 || rule == 2;
   bool showInches = !inchZero || rule == 1 || rule == 3;
   if (!showFeet && !showInches) showInches = true;
-  char buf[48];
-  std::snprintf(buf, sizeof buf, "%.0f'", feet);
   std::string out;
-  if (showFeet) out = buf;
+  if (showFeet) out = whole(feet) + "'";
   if (showFeet && showInches && st.unitmode != 1) out += "-";
   if (showInches) out += inches + "\"";
   return out;
@@ -140,6 +150,8 @@ struct Fraction {
 
 Fraction toFraction(double a, int prec) {
   long long den = 1LL << prec;
+  // Beyond 2^53 a double has no fraction left to write.
+  if (a * static_cast<double>(den) >= 9007199254740992.0) return {std::round(a), 0, 1};
   double n = std::round(a * static_cast<double>(den));
   double whole = std::floor(n / static_cast<double>(den));
   long long num = static_cast<long long>(n - whole * static_cast<double>(den));
@@ -151,16 +163,11 @@ Fraction toFraction(double a, int prec) {
   return {whole, num, den};
 }
 
-std::string fractionText(double whole, long long num, long long den, const UnitStyle& st) {
-  char buf[64];
-  if (num == 0) {
-    std::snprintf(buf, sizeof buf, "%.0f", whole);
-  } else if (whole == 0.0) {
-    std::snprintf(buf, sizeof buf, "%lld/%lld", num, den);
-  } else {
-    std::snprintf(buf, sizeof buf, "%.0f%c%lld/%lld", whole, st.unitmode == 1 ? '-' : ' ', num, den);
-  }
-  return buf;
+std::string fractionText(double w, long long num, long long den, const UnitStyle& st) {
+  if (num == 0) return whole(w);
+  std::string frac = std::to_string(num) + "/" + std::to_string(den);
+  if (w == 0.0) return frac;
+  return whole(w) + (st.unitmode == 1 ? "-" : " ") + frac;
 }
 
 std::string engineering(double a, int prec, const UnitStyle& st) {
@@ -193,7 +200,7 @@ std::string architectural(double a, int prec, const UnitStyle& st) {
 
 std::u16string formatLinear(double value, int mode, int prec, const UnitStyle& style) {
   if (mode < 1 || mode > kMaxLinearMode) return {};
-  if (prec < 0) prec = 0;
+  prec = std::clamp(prec, 0, kMaxPlaces);
   if (!std::isfinite(value)) return widen(nonFinite(value));
   double a = std::fabs(value);
   std::string body;
@@ -274,7 +281,7 @@ std::string surveyor(double deg, int prec, const UnitStyle& st) {
 
 std::u16string formatAngle(double radians, int mode, int prec, const UnitStyle& style) {
   if (mode < 0 || mode > kMaxAngularMode) return {};
-  if (prec < 0) prec = 0;
+  prec = std::clamp(prec, 0, kMaxPlaces);
   if (!std::isfinite(radians)) return widen(nonFinite(radians));
   double a = std::fmod(radians, 2.0 * kPi);
   if (a < 0) a += 2.0 * kPi;

@@ -46,8 +46,8 @@ struct UnitStyle {
 inline constexpr int kMaxLinearMode = 5;
 inline constexpr int kMaxAngularMode = 4;
 
-// An empty string when mode is out of range. A negative precision is taken
-// as 0.
+// An empty string when mode is out of range. The precision is taken
+// between 0 and 20.
 std::u16string formatLinear(double value, int mode, int prec, const UnitStyle& style = {});
 std::u16string formatAngle(double radians, int mode, int prec, const UnitStyle& style = {});
 

@@ -1,6 +1,7 @@
 #include "host/lisp/wildcard.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <vector>
 
 namespace zepk::lisp {

@@ -98,6 +98,14 @@ TEST(FormatLinear, FeetAndInchesCarry) {
   EXPECT_EQ(lin(17.5, 4, 12), "1'-5 1/2\"");  // denominator caps at 256
 }
 
+TEST(FormatLinear, ExtremeValuesAndPrecisions) {
+  EXPECT_EQ(lin(1e300, 5, 8).size(), 301u);
+  EXPECT_EQ(lin(1e300, 4, 8).back(), '\'');
+  EXPECT_EQ(lin(-1e300, 3, 2).substr(0, 2), "-8");
+  EXPECT_EQ(lin(kPi, 2, 1000), lin(kPi, 2, 20));
+  EXPECT_EQ(lin(kPi, 2, -3), "3");
+}
+
 TEST(FormatLinear, UnitmodeWritesInputForm) {
   EXPECT_EQ(lin(17.5, 3, 4, {0, 1}), "1'5.5000\"");
   EXPECT_EQ(lin(17.5, 4, 4, {0, 1}), "1'5-1/2\"");
