@@ -25,7 +25,7 @@
 #endif
 #if __has_include("host/system/codepage.h")
 #include "host/system/codepage.h"
-#define HAVE_CP_LATER 1
+#define HAVE_CP 1
 #endif
 
 namespace {

@@ -67,6 +67,11 @@ Interp::Interp() {
 
 Interp::~Interp() {
   unbindTo(0);
+  // The session's variables die with it; built-ins lose the reference that
+  // kept them alive.
+  for (Symbol* s : allSymbols()) s->value = Value();
+  for (Subr* s : subrs_)
+    if (--s->refs == 0) destroyObj(s);
   while (argTop_ > argBase_) (--argTop_)->~Value();
   ::operator delete(argBase_);
   gCurrent = previous_;
@@ -76,7 +81,8 @@ Interp* Interp::current() { return gCurrent; }
 
 void Interp::defSubr(std::string_view name, SubrFn fn) {
   auto* s = new Subr;
-  s->refs = 1;  // built-ins are never freed
+  s->refs = 1;  // built-ins live as long as the interpreter
+  subrs_.push_back(s);
   s->name = intern(name)->name;
   s->fn = fn;
   intern(name)->value = Value::obj(s);
@@ -84,7 +90,8 @@ void Interp::defSubr(std::string_view name, SubrFn fn) {
 
 void Interp::defSpecial(std::string_view name, SpecialFn fn) {
   auto* s = new Subr;
-  s->refs = 1;  // built-ins are never freed
+  s->refs = 1;  // built-ins live as long as the interpreter
+  subrs_.push_back(s);
   s->name = intern(name)->name;
   s->special = fn;
   intern(name)->value = Value::obj(s);

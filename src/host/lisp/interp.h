@@ -161,6 +161,7 @@ class Interp {
   StdoutOutput stdout_;
   Output* out_ = &stdout_;
   std::vector<Binding> bindings_;
+  std::vector<Subr*> subrs_;
   Value* argBase_ = nullptr;
   Value* argTop_ = nullptr;
   Value* argEnd_ = nullptr;
