@@ -46,17 +46,23 @@ namespace {
 
 // ---------------------------------------------------------------- encodings
 
-// Streams opened here that hold UTF-8. Keyed by the open FILE; every open
-// sets its entry, so an entry left by a stream that the collector closed is
+// What a stream opened here needs beyond its FILE: whether it holds UTF-8,
+// and the second half of a character outside the 16-bit range that
+// read-char has yet to give. Keyed by the open FILE; every open sets its
+// entry, so an entry left by a stream that the collector closed is
 // overwritten before its address can be looked up again.
-std::unordered_map<std::FILE*, bool>& utf8Streams() {
-  static std::unordered_map<std::FILE*, bool> m;
+struct StreamState {
+  bool utf8 = false;
+  char16_t pendingLow = 0;
+};
+std::unordered_map<std::FILE*, StreamState>& streams() {
+  static std::unordered_map<std::FILE*, StreamState> m;
   return m;
 }
 
 bool isUtf8(FileObj* f) {
-  auto it = utf8Streams().find(f->fp);
-  return it != utf8Streams().end() && it->second;
+  auto it = streams().find(f->fp);
+  return it != streams().end() && it->second.utf8;
 }
 
 std::string encode(FileObj* f, std::u16string_view s) { return isUtf8(f) ? sys::toUtf8(s) : sys::toCodePage(s); }
@@ -168,7 +174,7 @@ Value fnOpen(Interp& in, ArgSpan a) {
     char skip[3];
     if (std::fread(skip, 1, 3, fp) != 3) std::rewind(fp);
   }
-  utf8Streams()[fp] = utf8;
+  streams()[fp] = StreamState{utf8, 0};
   auto* f = new FileObj;
   f->fp = fp;
   f->name = name;
@@ -181,7 +187,7 @@ Value fnClose(Interp& in, ArgSpan a) {
   if (a[0].tag() != Tag::File) in.badType("streamp", a[0]);
   FileObj* f = a[0].as<FileObj>();
   if (f->fp) {
-    utf8Streams().erase(f->fp);
+    streams().erase(f->fp);
     std::fclose(f->fp);
     f->fp = nullptr;
   }
@@ -246,10 +252,14 @@ int32_t readUtf8Char(std::FILE* fp, int c) {
     }
     seq.push_back(static_cast<char>(d));
   }
+  // Characters come as the strings hold them: one beyond the 16-bit range
+  // as its two surrogate halves, the second on the next call.
   std::u16string u = sys::fromUtf8(seq);
-  if (u.size() == 1) return u[0];
-  if (u.size() == 2 && u[0] >= 0xD800 && u[0] < 0xDC00) return 0x10000 + ((u[0] - 0xD800) << 10) + (u[1] - 0xDC00);
-  return 0xFFFD;
+  if (u.size() == 2 && u[0] >= 0xD800 && u[0] < 0xDC00) {
+    streams()[fp].pendingLow = u[1];
+    return u[0];
+  }
+  return u.size() == 1 ? u[0] : 0xFFFD;
 }
 
 // One character of a code-page stream whose first byte is c (0x80 or above).
@@ -285,6 +295,11 @@ Value fnReadChar(Interp& in, ArgSpan a) {
       return Value::integer(10);
     }
     return Value::integer(t.line[t.pos++]);
+  }
+  if (auto it = streams().find(f->fp); it != streams().end() && it->second.pendingLow) {
+    char16_t low = it->second.pendingLow;
+    it->second.pendingLow = 0;
+    return Value::integer(low);
   }
   int c = std::getc(f->fp);
   if (c == EOF) return Value();

@@ -175,7 +175,7 @@ char16_t upper(char16_t c) { return sys::asciiUpper(c); }
 // File-name patterns as the system matches them: '*' any run, '?' any one
 // character, letters in either case; everything else stands for itself. A
 // pattern ending in ".*" also matches names without an extension ("*.*"
-// matches every name). Backtracking only to the last '*' keeps it linear in
+// matches every name), and one ending in a bare "." matches only those. Backtracking only to the last '*' keeps it linear in
 // practice and never worse than the product of the lengths.
 bool globMatch(std::u16string_view s, std::u16string_view p) {
   size_t i = 0, j = 0, star = std::u16string_view::npos, mark = 0;
@@ -199,8 +199,11 @@ bool globMatch(std::u16string_view s, std::u16string_view p) {
 
 bool nameMatches(std::u16string_view name, std::u16string_view pattern) {
   if (globMatch(name, pattern)) return true;
-  return pattern.size() >= 2 && pattern.substr(pattern.size() - 2) == u".*" &&
-         globMatch(name, pattern.substr(0, pattern.size() - 2));
+  bool noExtension = name.find(u'.') == std::u16string_view::npos;
+  if (pattern.size() >= 2 && pattern.substr(pattern.size() - 2) == u".*")
+    return noExtension && globMatch(name, pattern.substr(0, pattern.size() - 2));
+  if (!pattern.empty() && pattern.back() == u'.') return noExtension && globMatch(name, pattern.substr(0, pattern.size() - 1));
+  return false;
 }
 
 bool lessFolded(const std::u16string& x, const std::u16string& y) {
