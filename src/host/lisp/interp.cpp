@@ -24,6 +24,15 @@ constexpr size_t kArgStackSize = 1 << 18;
 const char16_t* kStackLimit = u"Hard error occurred *** internal stack limit reached (simulated)";
 }  // namespace
 
+// Error paths of calls, kept out of line so that the hot paths stay small.
+[[gnu::cold, gnu::noinline]] void Interp::failNoFunction(const std::string& name) {
+  fail(u"no function definition: " + sys::fromUtf8(name));
+}
+[[gnu::cold, gnu::noinline]] void Interp::failBadFunction(const Value& v) { fail(u"bad function: " + prin1String(v)); }
+[[gnu::cold, gnu::noinline]] void Interp::failArgCount(bool tooFew) {
+  fail(std::u16string_view(tooFew ? u"too few arguments" : u"too many arguments"));
+}
+
 // ---------------------------------------------------------------- output
 
 void Output::write(std::u16string_view s) { write(std::string_view(sys::toUtf8(s))); }
@@ -207,21 +216,31 @@ inline void Interp::pushArgs(const Value& argForms) {
   }
 }
 
+// The depth of nesting is counted where evaluation can recurse without
+// bound: calls of LISP functions, special forms and apply.
 Value Interp::evalForm(const Value& form) {
   const Cons* c = form.as<Cons>();
   const Value& head = c->car;
-  DepthGuard g(*this, depth_);
   if (head.isSym()) {
     const Value& fv = head.asSym()->value;
     if (fv.tag() == Tag::Subr) {
-      // Built-ins live for the whole session, so no reference is taken.
+      // Built-ins live as long as the interpreter, so no reference is taken.
       Subr* s = fv.as<Subr>();
-      if (s->special) return s->special(*this, c->cdr);
+      if (s->special) {
+        DepthGuard g(*this, depth_);
+        return s->special(*this, c->cdr);
+      }
       ArgFrame frame(argTop_);
       pushArgs(c->cdr);
       return s->fn(*this, ArgSpan{frame.base, static_cast<size_t>(argTop_ - frame.base)});
     }
-    Value fn = fv;  // the symbol may be rebound while arguments are evaluated
+    if (fv.tag() == Tag::Usubr) {
+      Value fn = fv;  // the symbol may be rebound while arguments are evaluated
+      ArgFrame frame(argTop_);
+      pushArgs(c->cdr);
+      return callUsubr(fn.as<Usubr>(), ArgSpan{frame.base, static_cast<size_t>(argTop_ - frame.base)});
+    }
+    Value fn = fv;
     return evalArgsAndCall(fn, c->cdr, head);
   }
   if (head.isCons()) {
@@ -238,9 +257,9 @@ Value Interp::evalArgsAndCall(const Value& fn, const Value& argForms, const Valu
     case Tag::Exrx:
     case Tag::Cons: break;
     case Tag::Nil:
-      if (head.isSym()) fail(u"no function definition: " + sys::fromUtf8(head.asSym()->name));
-      fail(u"bad function: " + prin1String(head));
-    default: fail(u"bad function: " + prin1String(fn));
+      if (head.isSym()) failNoFunction(head.asSym()->name);
+      failBadFunction(head);
+    default: failBadFunction(fn);
   }
   ArgFrame frame(argTop_);
   pushArgs(argForms);
@@ -248,30 +267,58 @@ Value Interp::evalArgsAndCall(const Value& fn, const Value& argForms, const Valu
   switch (fn.tag()) {
     case Tag::Subr: {
       Subr* s = fn.as<Subr>();
-      if (s->special) fail(u"bad function: " + prin1String(fn));
+      if (s->special) failBadFunction(fn);
       return s->fn(*this, args);
     }
     case Tag::Usubr: return callUsubr(fn.as<Usubr>(), args);
     case Tag::Exrx:
-      if (!callExrx) fail(u"no function definition: " + sys::fromUtf8(fn.as<Exrx>()->name));
+      if (!callExrx) failNoFunction(fn.as<Exrx>()->name);
       return callExrx(*this, fn.as<Exrx>(), args);
     default: return callLambdaList(fn, args);
   }
 }
 
+// The old values of the parameters and locals are saved on the argument
+// stack, above the arguments, and put back when the call ends or unwinds.
+// Every caller holds a reference to the function, so it outlives the call
+// even when the program redefines it.
 Value Interp::callUsubr(Usubr* u, ArgSpan args) {
-  if (args.size < u->params.size()) fail(std::u16string_view(u"too few arguments"));
-  if (args.size > u->params.size()) fail(std::u16string_view(u"too many arguments"));
-  size_t mark = bindings_.size();
-  struct Unbind {
-    Interp& in;
-    size_t mark;
-    ~Unbind() { in.unbindTo(mark); }
-  } unbind{*this, mark};
-  for (size_t i = 0; i < args.size; ++i) bind(u->params[i], args[i]);
-  for (Symbol* s : u->locals) bind(s, Value());
-  Value keep = u->body;  // the function may redefine itself while running
-  return progn(keep);
+  if (args.size != u->params.size()) [[unlikely]]
+    failArgCount(args.size < u->params.size());
+  DepthGuard g(*this, depth_);
+  const size_t nParams = u->params.size();
+  const size_t nLocals = u->locals.size();
+  if (argEnd_ - argTop_ < static_cast<ptrdiff_t>(nParams + nLocals + 1)) fail(std::u16string_view(kStackLimit));
+  struct Restore {
+    Value*& top;
+    Value* base;
+    Symbol* const* syms;
+    size_t n;
+    Symbol* const* locals;
+    ~Restore() {
+      // Saved in order params then locals; a symbol listed twice is put
+      // back last-saved first, so walk backwards.
+      for (size_t i = static_cast<size_t>(top - base); i-- > 0;) {
+        Symbol* s = i < n ? syms[i] : locals[i - n];
+        s->value = std::move(base[i]);
+        base[i].~Value();
+      }
+      top = base;
+    }
+  } restore{argTop_, argTop_, u->params.data(), nParams, u->locals.data()};
+  for (size_t i = 0; i < nParams; ++i) {
+    Symbol* s = u->params[i];
+    new (argTop_) Value(std::move(s->value));
+    ++argTop_;
+    s->value = args[i];
+  }
+  for (size_t i = 0; i < nLocals; ++i) {
+    Symbol* s = u->locals[i];
+    new (argTop_) Value(std::move(s->value));
+    ++argTop_;
+    s->value = Value();
+  }
+  return progn(u->body);
 }
 
 // A function given as a list: (LAMBDA (params / locals) body...) or, as
@@ -285,7 +332,7 @@ Value Interp::callLambdaList(const Value& fn, ArgSpan args) {
     params = car(fn);
     body = cdr(fn);
   } else {
-    fail(u"bad function: " + prin1String(fn));
+    failBadFunction(fn);
   }
   Usubr u;
   bool locals = false;
@@ -308,7 +355,7 @@ Value Interp::apply(const Value& fnIn, ArgSpan args) {
   if (fn.isSym()) {
     Symbol* s = fn.asSym();
     fn = s->value;
-    if (fn.isNil()) fail(u"no function definition: " + sys::fromUtf8(s->name));
+    if (fn.isNil()) failNoFunction(s->name);
   }
   DepthGuard g(*this, depth_);
   switch (fn.tag()) {
@@ -324,10 +371,10 @@ Value Interp::apply(const Value& fnIn, ArgSpan args) {
     }
     case Tag::Usubr: return callUsubr(fn.as<Usubr>(), args);
     case Tag::Exrx:
-      if (!callExrx) fail(u"no function definition: " + sys::fromUtf8(fn.as<Exrx>()->name));
+      if (!callExrx) failNoFunction(fn.as<Exrx>()->name);
       return callExrx(*this, fn.as<Exrx>(), args);
     case Tag::Cons: return callLambdaList(fn, args);
-    default: fail(u"bad function: " + prin1String(fn));
+    default: failBadFunction(fn);
   }
 }
 

@@ -156,6 +156,9 @@ class Interp {
   Value callLambdaList(const Value& fn, ArgSpan args);
   Value evalArgsAndCall(const Value& fn, const Value& argForms, const Value& head);
   void pushArgs(const Value& argForms);
+  [[noreturn]] void failNoFunction(const std::string& name);
+  [[noreturn]] void failBadFunction(const Value& v);
+  [[noreturn]] void failArgCount(bool tooFew);
   void reportError(std::u16string_view message);
 
   StdoutOutput stdout_;

@@ -1,0 +1,6 @@
+# Naive Fibonacci, the same algorithm as fib.lsp.
+def fib(n):
+    return n if n < 2 else fib(n - 1) + fib(n - 2)
+
+
+print(fib(30))
