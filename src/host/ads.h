@@ -58,6 +58,7 @@ struct resbuf {
     short rint;
     ACHAR* rstring;
     int32_t rlong;
+    int64_t mnInt64;
     int64_t rlname[2];
     unsigned char ihandle[8];
     struct ads_binary {
@@ -67,24 +68,59 @@ struct resbuf {
   } resval;
 };
 
-// Nodes and lists. Strings in nodes are owned by the node and released with it.
+// A binary chunk (group codes 310-319 and 1004).
+typedef resbuf::ads_u_val::ads_binary ads_binary;
+
+// Nodes and lists. Strings and binary chunks in nodes are allocated with
+// malloc and belong to the node: acutRelRb releases them with free, for
+// RTSTR and for every group code whose value is a string or a binary chunk.
+// Code that puts its own text into a node allocates it with malloc.
 resbuf* acutNewRb(int type);
 int acutRelRb(resbuf* rb);
 // Builds a chain from (type, value) pairs ended by 0 or RTNONE. Values are
-// passed as the node's natural C type: double, const ads_point, int (for
-// RTSHORT and RTLONG and group codes of integers), const ACHAR*, const ads_name.
-// RTLB, RTLE, RTDOTE, RTNIL and RTT take no value.
+// passed as the node's natural C type:
+//   double        RTREAL, RTANG, RTORINT, group codes of reals (38-59, 140-149...)
+//   const ads_point (a pointer to three doubles)
+//                 RTPOINT, RT3DPOINT, group codes of points (10-19, 110-112,
+//                 210, 1010-1019)
+//   int           RTSHORT and group codes of 16-bit integers (60-79,
+//                 170-179, 270-299, 370-409, 1060-1070); RTLONG and group
+//                 codes of 32-bit integers (90-99, 420-459, 1071). A 32-bit
+//                 int, never a long.
+//   int64_t       group codes 160-169 (in mnInt64)
+//   const ACHAR*  RTSTR and group codes of strings (copied); RTDXF0 makes a
+//                 node of group code 0, which could not be written as 0
+//   const ads_name (a pointer to two words)
+//                 RTENAME, RTPICKS, group codes of object names (-1, -2,
+//                 330-369, 390-399, 480-481)
+//   const ads_binary*  group codes 310-319 and 1004 (the bytes are copied)
+// RTLB, RTLE, RTDOTE, RTNIL, RTT, RTVOID and -3 take no value. An unknown
+// type code gives null and builds nothing.
 resbuf* acutBuildList(int type, ...);
 
-// Definition of LISP functions by compiled code.
+// Definition of LISP functions by compiled code. A function defined with
+// acedDefun belongs to the module whose code is running (see
+// host/rxmodule.h); its code is that module's. Without acedRegFunc the host
+// calls it by sending the module kInvkSubrMsg, during which acedGetFunCode
+// gives the code. Names are case-insensitive; "C:NAME" makes a command.
 typedef int (*AcedFunction)();
 int acedDefun(const ACHAR* name, short funcode);
 int acedRegFunc(AcedFunction fhdl, int fcode);
 int acedUndef(const ACHAR* name, short funcode);
+// Code of the running call, RTERROR outside any call.
 int acedGetFunCode();
+// Arguments of the running call: one chain, a LISP list between RTLB and
+// RTLE. It belongs to the host and is released after the call; the function
+// may change or cut it, but never releases it. Null for no arguments.
 resbuf* acedGetArgs();
 
-// Results of the running call.
+// Results of the running call. Each returns RTNORM, or RTERROR outside a
+// call or for a value that has no LISP form; a second result replaces the
+// first. acedRetStr, acedRetVal and acedRetList copy. acedRetList makes one
+// list of the chain's members, except that a chain which is one list
+// (RTLB ... RTLE) is that list. acedRetVal takes the chain's first value.
+// acedRetPoint gives a 3D point; acedRetVoid the value that the command
+// line does not echo, as (princ) gives.
 int acedRetInt(int value);
 int acedRetReal(ads_real value);
 int acedRetStr(const ACHAR* s);
@@ -96,15 +132,30 @@ int acedRetNil();
 int acedRetT();
 int acedRetVoid();
 
-// Calls back into LISP. acedInvoke takes a list whose first node names a
-// function (a string or a symbol name) followed by its arguments.
+// Calls back into LISP. acedInvoke takes a list whose first node is an
+// RTSTR naming a function, followed by its arguments; the result is a new
+// chain that the caller releases with acutRelRb. A LISP error is reported
+// on the command line and gives RTERROR; it never unwinds through the
+// caller. ads_queueexpr queues an expression for when the command line is
+// idle. acedGetSym gives a new chain (RTNIL for an unbound symbol);
+// acedPutSym sets the symbol to the chain's first value.
 int acedInvoke(const resbuf* args, resbuf** result);
 int ads_queueexpr(const ACHAR* expr);
 int acedGetSym(const ACHAR* sname, resbuf** value);
 int acedPutSym(const ACHAR* sname, resbuf* value);
 
+// Compiled modules by name (see host/rxmodule.h): load, unload, and the
+// list of loaded modules as RTSTR nodes, which the caller releases.
+int acedArxLoad(const ACHAR* app);
+int acedArxUnload(const ACHAR* app);
+resbuf* acedArxLoaded();
+// Name of the module whose code is running; "" for the host itself.
+const ACHAR* acedGetAppName();
+
 // Output on the command line. Formats follow the Windows runtime of the host:
-// %s is a wide string, %ld is 32-bit.
+// %s is a wide string, %ld is 32-bit. Returns the number of characters
+// printed. acdbFail prints the text exactly as given, as the running
+// function's failure: no prefix, no line break.
 int acutPrintf(const ACHAR* format, ...);
 void acdbFail(const ACHAR* message);
 
