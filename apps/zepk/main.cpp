@@ -17,16 +17,10 @@
 #include "host/editor/commandline.h"
 #include "host/lisp/interp.h"
 #include "host/lisp/printer.h"
-#include "host/system/utf.h"
-#if __has_include("host/lisp/bridge.h")
 #include "host/lisp/bridge.h"
 #include "host/rxmodule.h"
-#define HAVE_BRIDGE 1
-#endif
-#if __has_include("host/system/codepage.h")
 #include "host/system/codepage.h"
-#define HAVE_CP 1
-#endif
+#include "host/system/utf.h"
 
 namespace {
 
@@ -87,13 +81,9 @@ void interactive(editor::CommandLine& cl, lisp::Interp& in) {
 int runSession(const Options& opt) {
   lisp::Interp in;
   in.maxDepth = 30000;
-#ifdef HAVE_CP
   in.decodeCodePage = [](std::string_view bytes) { return sys::fromCodePage(bytes); };
-#endif
-#ifdef HAVE_BRIDGE
   lisp::installBridge(in);
   rx::loadAutoloadModules();
-#endif
   editor::CommandLine cl(in);
 
   int status = 0;
@@ -132,9 +122,7 @@ int runSession(const Options& opt) {
     }
   }
   in.out().freshLine();
-#ifdef HAVE_BRIDGE
   rx::unloadAllModules();
-#endif
   return status;
 }
 
