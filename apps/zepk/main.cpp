@@ -68,9 +68,7 @@ void interactive(editor::CommandLine& cl, lisp::Interp& in) {
     std::string s = line;
     std::free(line);
     if (!s.empty()) add_history(s.c_str());
-    // The terminal shows what was typed; the output starts a new line.
-    in.out().write(std::string_view("\n"));
-    in.out().freshLine();
+    // readline has echoed the line and its end; output starts at column 0.
     cl.feed(s, false);
   }
   cl.finish();
