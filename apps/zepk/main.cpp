@@ -79,7 +79,6 @@ void interactive(editor::CommandLine& cl, lisp::Interp& in) {
 int runSession(const Options& opt) {
   lisp::Interp in;
   in.maxDepth = 30000;
-  in.decodeCodePage = [](std::string_view bytes) { return sys::fromCodePage(bytes); };
   lisp::installBridge(in);
   rx::loadAutoloadModules();
   editor::CommandLine cl(in);

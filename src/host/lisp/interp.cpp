@@ -6,6 +6,7 @@
 
 #include "host/lisp/printer.h"
 #include "host/lisp/reader.h"
+#include "host/system/codepage.h"
 #include "host/system/utf.h"
 
 namespace zepk::lisp {
@@ -380,58 +381,12 @@ Value Interp::apply(const Value& fnIn, ArgSpan args) {
 
 // ---------------------------------------------------------------- top level
 
-bool Interp::evalText(std::u16string_view text, Value* last, std::u16string_view source) {
-  Reader r(text);
-  for (;;) {
-    ReadError err;
-    err.line = 0;
-    std::optional<Value> form = r.next(&err);
-    if (!form) {
-      if (err.line == 0) return true;
-      std::u16string msg = err.where();
-      if (!source.empty()) msg += u" in " + std::u16string(source);
-      try {
-        fail(std::u16string_view(msg));
-      } catch (LispAbort&) {
-      } catch (LispError&) {
-      }
-      return false;
-    }
-    try {
-      Value v = eval(*form);
-      if (last) *last = std::move(v);
-    } catch (LispAbort&) {
-      return false;
-    } catch (LispError& e) {
-      reportError(e.message);
-      return false;
-    } catch (LispExitWithValue& x) {
-      if (last) *last = std::move(x.value);
-      return true;
-    }
-  }
-}
-
-bool Interp::loadFile(const std::string& path, Value* last) {
-  std::ifstream f(path, std::ios::binary);
-  if (!f) return false;
-  std::stringstream ss;
-  ss << f.rdbuf();
-  std::string bytes = ss.str();
-  // Source files are UTF-8; a file that is not is taken as the system code
-  // page through the host's converter when one is installed.
-  std::u16string text;
-  if (sys::isValidUtf8(bytes) || !decodeCodePage) {
-    text = sys::fromUtf8(bytes);
-  } else {
-    text = decodeCodePage(bytes);
-  }
-  return evalText(text, last, sys::fromUtf8(path));
-}
-
-bool Interp::callTop(const Value& fn, const std::vector<Value>& args, Value* result) {
+// Runs f at the top level: every LISP error is reported (after *error* had
+// its turn at the place of the error) and turned into false.
+template <class F>
+bool Interp::topLevel(F&& f, Value* result) {
   try {
-    Value v = apply(fn, args);
+    Value v = f();
     if (result) *result = std::move(v);
     return true;
   } catch (LispAbort&) {
@@ -443,6 +398,45 @@ bool Interp::callTop(const Value& fn, const std::vector<Value>& args, Value* res
     if (result) *result = std::move(x.value);
     return true;
   }
+}
+
+Value Interp::evalAll(std::u16string_view text, std::u16string_view source) {
+  Reader r(text);
+  Value last;
+  for (;;) {
+    ReadError err;
+    err.line = 0;
+    std::optional<Value> form = r.next(&err);
+    if (!form) {
+      if (err.line == 0) return last;
+      std::u16string msg = err.where();
+      if (!source.empty()) msg += u" in " + std::u16string(source);
+      fail(std::u16string_view(msg));
+    }
+    last = eval(*form);
+  }
+}
+
+bool Interp::evalText(std::u16string_view text, Value* last, std::u16string_view source) {
+  return topLevel([&] { return evalAll(text, source); }, last);
+}
+
+std::u16string decodeSource(std::string_view bytes) {
+  if (bytes.substr(0, 3) == "\xEF\xBB\xBF") return sys::fromUtf8(bytes.substr(3));
+  if (sys::isValidUtf8(bytes)) return sys::fromUtf8(bytes);
+  return sys::fromCodePage(bytes);
+}
+
+bool Interp::loadFile(const std::string& path, Value* last) {
+  std::ifstream f(path, std::ios::binary);
+  if (!f) return false;
+  std::stringstream ss;
+  ss << f.rdbuf();
+  return evalText(decodeSource(ss.str()), last, sys::fromUtf8(path));
+}
+
+bool Interp::callTop(const Value& fn, const std::vector<Value>& args, Value* result) {
+  return topLevel([&] { return apply(fn, args); }, result);
 }
 
 void Interp::runQueued() {

@@ -92,6 +92,10 @@ class Interp {
   // Top-level entry points. Each catches every LISP error (after printing
   // it) and never throws. They return false when an error occurred.
   bool evalText(std::u16string_view text, Value* last = nullptr, std::u16string_view source = u"");
+  // Evaluates every expression of a text and gives the last value; errors
+  // propagate as from any other evaluation (load works this way). A reader
+  // error names its place, and the source when one is given.
+  Value evalAll(std::u16string_view text, std::u16string_view source = u"");
   bool loadFile(const std::string& path, Value* last = nullptr);
   // Runs a function from outside any LISP evaluation (the bridge's
   // acedInvoke, the command processor): errors are reported and false
@@ -114,8 +118,6 @@ class Interp {
   // through sysvar, which returns nil for an unknown name.
   Value (*callExrx)(Interp&, Exrx*, ArgSpan) = nullptr;
   std::function<Value(std::string_view)> sysvar;
-  // Decodes a source file that is not UTF-8 (the system code page).
-  std::function<std::u16string(std::string_view)> decodeCodePage;
   int sysvarInt(std::string_view name, int fallback);
 
   // Expressions queued by the bridge, run when the command line is idle.
@@ -160,6 +162,8 @@ class Interp {
   [[noreturn]] void failBadFunction(const Value& v);
   [[noreturn]] void failArgCount(bool tooFew);
   void reportError(std::u16string_view message);
+  template <class F>
+  bool topLevel(F&& f, Value* result);
 
   StdoutOutput stdout_;
   Output* out_ = &stdout_;
@@ -193,6 +197,10 @@ void argPoint(Interp& in, const Value& v, double p[3], int* dim = nullptr);  // 
 
 // equal: structural, numbers within fuzz.
 bool lispEqual(const Value& a, const Value& b, double fuzz);
+
+// Source text from a file's bytes: UTF-8, with or without a byte-order
+// mark, else the system code page.
+std::u16string decodeSource(std::string_view bytes);
 
 // List helpers.
 size_t listLength(const Value& v);  // proper part only

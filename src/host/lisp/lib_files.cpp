@@ -382,18 +382,14 @@ Value fnFindfile(Interp& in, ArgSpan a) {
   return found ? str(std::move(*found)) : Value();
 }
 
-// Reads a source file: UTF-8 when it has a byte-order mark or is well-formed
-// UTF-8, else the system code page.
+// Reads a source file as the interpreter decodes sources.
 std::optional<std::u16string> readSource(const std::string& native) {
   if (isDirectory(native)) return std::nullopt;
   std::ifstream f(native, std::ios::binary);
   if (!f) return std::nullopt;
   std::stringstream ss;
   ss << f.rdbuf();
-  std::string bytes = ss.str();
-  if (bytes.compare(0, 3, kBom) == 0) return sys::fromUtf8(std::string_view(bytes).substr(3));
-  if (sys::isValidUtf8(bytes)) return sys::fromUtf8(bytes);
-  return sys::fromCodePage(bytes);
+  return decodeSource(ss.str());
 }
 
 // (load name [onfailure]): a name without an extension gets ".lsp". When the
@@ -416,19 +412,7 @@ Value fnLoad(Interp& in, ArgSpan a) {
     if (t == Tag::Subr || t == Tag::Usubr || t == Tag::Exrx) return in.apply(a[1], ArgSpan{nullptr, 0});
     return a[1];
   }
-  Reader reader(*text);
-  Value last;
-  for (;;) {
-    ReadError err;
-    err.line = 0;
-    std::optional<Value> form = reader.next(&err);
-    if (!form) {
-      if (err.line != 0) in.fail(err.where());
-      return last;
-    }
-    last = in.eval(*form);
-  }
-}
+  return in.evalAll(*text, file);}
 
 }  // namespace
 
