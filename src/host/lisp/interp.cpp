@@ -319,6 +319,8 @@ Value Interp::callUsubr(Usubr* u, ArgSpan args) {
     ++argTop_;
     s->value = Value();
   }
+  // A function that runs a second time is worth compiling.
+  if (u->compiled || ++u->calls >= 2) return runCompiled(*this, u);
   return progn(u->body);
 }
 

@@ -195,6 +195,10 @@ const Value& argList(Interp& in, const Value& v);   // listp
 bool toPoint(const Value& v, double p[3], int* dim = nullptr);
 void argPoint(Interp& in, const Value& v, double p[3], int* dim = nullptr);  // 2D/3D point:
 
+// Runs the compiled form of a function's body, compiling it first if
+// needed.
+Value runCompiled(Interp& in, Usubr* u);
+
 // equal: structural, numbers within fuzz.
 bool lispEqual(const Value& a, const Value& b, double fuzz);
 

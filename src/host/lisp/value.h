@@ -191,13 +191,20 @@ struct Subr : Obj {
   Subr() : Obj(Tag::Subr) {}
 };
 
-// A function defined in LISP (defun, lambda).
+// A function defined in LISP (defun, lambda). Its body is also kept in a
+// compiled form, made on its second call (see compile.h).
+struct CompiledBody;
 struct Usubr : Obj {
   std::string name;  // empty for an anonymous lambda
   std::vector<Symbol*> params;
   std::vector<Symbol*> locals;
   Value body;  // list of forms
+  uint32_t calls = 0;
+  CompiledBody* compiled = nullptr;
   Usubr() : Obj(Tag::Usubr) {}
+  ~Usubr();
+  Usubr(const Usubr&) = delete;
+  Usubr& operator=(const Usubr&) = delete;
 };
 
 // A function defined by compiled code through the bridge.
