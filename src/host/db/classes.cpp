@@ -1,0 +1,14 @@
+// The database's own classes, registered together when the class
+// dictionary is first used, parents before children.
+#include "host/db/internal.h"
+
+namespace zepk::db {
+
+void registerHostClasses() {
+  AcRxObject::desc();
+  AcRxClass::desc();
+  AcDbObject::desc();
+  AcDbDatabase::desc();
+}
+
+}  // namespace zepk::db

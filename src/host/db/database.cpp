@@ -1,0 +1,196 @@
+// Databases: the object records, handles, reactors and undo.
+#include <algorithm>
+#include <cstring>
+#include <deque>
+#include <memory>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "host/db/internal.h"
+#include "host/dbmain.h"
+#include "host/system/utf.h"
+
+// ---------------------------------------------------------------- handles and ids
+
+AcDbHandle::AcDbHandle(const ACHAR* hex) {
+  uint64_t v = 0;
+  int digits = 0;
+  for (const ACHAR* p = hex; p && *p; ++p) {
+    ACHAR c = *p;
+    int d = (c >= u'0' && c <= u'9') ? c - u'0' : (c >= u'a' && c <= u'f') ? c - u'a' + 10 : (c >= u'A' && c <= u'F') ? c - u'A' + 10 : -1;
+    if (d < 0 || ++digits > 16) {
+      value_ = 0;
+      return;
+    }
+    v = (v << 4) | static_cast<uint64_t>(d);
+  }
+  value_ = v;
+}
+
+std::u16string AcDbHandle::ascii() const {
+  static const char16_t* digits = u"0123456789ABCDEF";
+  if (value_ == 0) return u"0";
+  std::u16string s;
+  for (uint64_t v = value_; v; v >>= 4) s.insert(s.begin(), digits[v & 0xF]);
+  return s;
+}
+
+void AcDbHandle::getIntoAsciiBuffer(ACHAR* buf, size_t bufSize) const {
+  if (!buf || bufSize == 0) return;
+  std::u16string s = ascii();
+  size_t n = std::min(s.size(), bufSize - 1);
+  std::memcpy(buf, s.data(), n * sizeof(ACHAR));
+  buf[n] = 0;
+}
+
+const AcDbObjectId AcDbObjectId::kNull;
+
+bool AcDbObjectId::isValid() const { return stub_ && stub_->db && stub_->object; }
+bool AcDbObjectId::isErased() const { return stub_ && stub_->erased; }
+AcDbDatabase* AcDbObjectId::database() const { return stub_ ? stub_->db : nullptr; }
+AcDbHandle AcDbObjectId::handle() const { return stub_ ? stub_->handle : AcDbHandle(); }
+
+// ---------------------------------------------------------------- database
+
+struct AcDbDatabase::Impl {
+  // Records never move, so ids stay valid while the database lives.
+  std::deque<AcDbStub> stubs;
+  std::unordered_map<uint64_t, AcDbStub*> byHandle;
+  mutable std::vector<AcDbDatabaseReactor*> reactors;
+  std::vector<zepk::db::UndoMark> marks;
+  int openMarks = 0;
+};
+
+ACRX_DEFINE_HOST_CLASS(AcDbDatabase, AcRxObject, nullptr, nullptr)
+
+AcDbDatabase::AcDbDatabase() : impl_(std::make_unique<Impl>()) {}
+
+AcDbDatabase::~AcDbDatabase() {
+  for (AcDbDatabaseReactor* r : std::vector<AcDbDatabaseReactor*>(impl_->reactors)) r->goodbye(this);
+  impl_->marks.clear();
+  for (AcDbStub& s : impl_->stubs) {
+    delete s.object;
+    s.object = nullptr;
+  }
+}
+
+AcDbStub* AcDbDatabase::newStub(AcDbHandle h) {
+  impl_->stubs.emplace_back();
+  AcDbStub* s = &impl_->stubs.back();
+  s->db = this;
+  s->handle = h;
+  impl_->byHandle[h.value()] = s;
+  return s;
+}
+
+Acad::ErrorStatus AcDbDatabase::addAcDbObject(AcDbObjectId& id, AcDbObject* obj) {
+  AcDbHandle h = handseed_;
+  Acad::ErrorStatus es = addAcDbObjectWithHandle(id, obj, h);
+  return es;
+}
+
+Acad::ErrorStatus AcDbDatabase::addAcDbObjectWithHandle(AcDbObjectId& id, AcDbObject* obj, AcDbHandle h) {
+  if (!obj) return Acad::eNullObjectPointer;
+  if (obj->stub_) return Acad::eAlreadyInDb;
+  if (h.isNull()) return Acad::eInvalidInput;
+  auto it = impl_->byHandle.find(h.value());
+  AcDbStub* s;
+  if (it != impl_->byHandle.end()) {
+    // A record made earlier for a reference to this handle can take the
+    // object; one that has an object already cannot.
+    if (it->second->object) return Acad::eHandleInUse;
+    s = it->second;
+  } else {
+    s = newStub(h);
+  }
+  s->object = obj;
+  s->erased = false;
+  obj->stub_ = s;
+  obj->mode_ = AcDbObject::Mode::Write;
+  obj->isNew_ = true;
+  if (h.value() >= handseed_.value()) handseed_ = AcDbHandle(h.value() + 1);
+  if (impl_->openMarks > 0 && !impl_->marks.empty()) impl_->marks.back().added.push_back(s);
+  id = AcDbObjectId(s);
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbDatabase::getAcDbObjectId(AcDbObjectId& id, bool createIfNotFound, const AcDbHandle& h) {
+  id.setNull();
+  if (h.isNull()) return Acad::eInvalidInput;
+  auto it = impl_->byHandle.find(h.value());
+  if (it != impl_->byHandle.end()) {
+    id = AcDbObjectId(it->second);
+    return Acad::eOk;
+  }
+  if (!createIfNotFound) return Acad::eKeyNotFound;
+  // A reference to an object not read yet: the record waits for it.
+  id = AcDbObjectId(newStub(h));
+  if (h.value() >= handseed_.value()) handseed_ = AcDbHandle(h.value() + 1);
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbDatabase::setHandseed(const AcDbHandle& h) {
+  for (const auto& [v, s] : impl_->byHandle)
+    if (v >= h.value()) return Acad::eInvalidInput;
+  handseed_ = h;
+  return Acad::eOk;
+}
+
+AcDbObjectIdArray AcDbDatabase::allObjects() const {
+  std::vector<AcDbStub*> stubs;
+  for (const auto& [v, s] : impl_->byHandle)
+    if (s->object) stubs.push_back(s);
+  std::sort(stubs.begin(), stubs.end(), [](AcDbStub* a, AcDbStub* b) { return a->handle < b->handle; });
+  AcDbObjectIdArray out;
+  out.reserve(stubs.size());
+  for (AcDbStub* s : stubs) out.emplace_back(s);
+  return out;
+}
+
+void AcDbDatabase::addReactor(AcDbDatabaseReactor* r) const {
+  if (r && std::find(impl_->reactors.begin(), impl_->reactors.end(), r) == impl_->reactors.end())
+    impl_->reactors.push_back(r);
+}
+
+void AcDbDatabase::removeReactor(AcDbDatabaseReactor* r) const {
+  auto& v = impl_->reactors;
+  v.erase(std::remove(v.begin(), v.end(), r), v.end());
+}
+
+// ---------------------------------------------------------------- undo
+
+void AcDbDatabase::beginUndoMark() {
+  if (impl_->openMarks++ == 0) impl_->marks.emplace_back();
+}
+
+void AcDbDatabase::endUndoMark() {
+  if (impl_->openMarks > 0) --impl_->openMarks;
+}
+
+int AcDbDatabase::undoMarkCount() const { return static_cast<int>(impl_->marks.size()); }
+
+bool AcDbDatabase::undoBack() {
+  if (impl_->marks.empty() || impl_->openMarks > 0) return false;
+  zepk::db::UndoMark mark = std::move(impl_->marks.back());
+  impl_->marks.pop_back();
+  // Objects added under the mark are taken back: erased, silently.
+  for (auto it = mark.added.rbegin(); it != mark.added.rend(); ++it) (*it)->erased = true;
+  for (auto it = mark.records.rbegin(); it != mark.records.rend(); ++it) zepk::db::restoreRecord(*it);
+  return true;
+}
+
+namespace zepk::db {
+
+void dbNotify(AcDbDatabase* db, const std::function<void(AcDbDatabaseReactor*)>& f) {
+  if (!db) return;
+  for (AcDbDatabaseReactor* r : std::vector<AcDbDatabaseReactor*>(AcDbObjectAccess::impl(db)->reactors)) f(r);
+}
+
+UndoMark* openUndoMark(AcDbDatabase* db) {
+  if (!db) return nullptr;
+  auto* impl = AcDbObjectAccess::impl(db);
+  if (impl->openMarks == 0 || impl->marks.empty()) return nullptr;
+  return &impl->marks.back();
+}
+
+}  // namespace zepk::db

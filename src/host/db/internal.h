@@ -1,0 +1,53 @@
+// What the database's own source files share and nothing else sees.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "host/db/memfiler.h"
+#include "host/dbmain.h"
+
+#define ZEPK_WIDE2(x) u##x
+#define ZEPK_WIDE(x) ZEPK_WIDE2(x)
+// The record of a class of the database itself, made on first use.
+#define ACRX_DEFINE_HOST_CLASS(CLASS_NAME, PARENT, DXF_NAME, CTOR)                                        \
+  AcRxClass* CLASS_NAME::gpDesc = nullptr;                                                              \
+  AcRxClass* CLASS_NAME::desc() {                                                                       \
+    if (!gpDesc) gpDesc = newAcRxClass(ZEPK_WIDE(#CLASS_NAME), PARENT::desc()->name(), 0, 0, 0, CTOR, DXF_NAME, u"ZEPK host"); \
+    return gpDesc;                                                                                      \
+  }
+
+namespace zepk::db {
+
+// The state of an object before its first change under an undo mark.
+struct UndoRecord {
+  AcDbStub* stub = nullptr;
+  std::shared_ptr<MemoryDwgFiler> state;
+  bool erased = false;
+};
+
+struct UndoMark {
+  std::vector<UndoRecord> records;
+  std::vector<AcDbStub*> added;
+};
+
+// Makes the records of all the database's own classes (called once, when
+// the class dictionary is first used).
+void registerHostClasses();
+
+// Puts an object back into its recorded state, without notifications.
+void restoreRecord(const UndoRecord& r);
+// The open undo mark of the database, or null.
+UndoMark* openUndoMark(AcDbDatabase* db);
+// Calls f for each reactor of the database (a copy of the list, so that a
+// reactor may remove itself).
+void dbNotify(AcDbDatabase* db, const std::function<void(AcDbDatabaseReactor*)>& f);
+
+}  // namespace zepk::db
+
+struct AcDbObjectAccess {
+  static auto* impl(AcDbDatabase* db) { return db->impl_.get(); }
+  static Acad::ErrorStatus open(AcDbObject* o, AcDb::OpenMode mode);
+  static AcDbStub* stub(const AcDbObject* o) { return o->stub_; }
+};

@@ -1,0 +1,193 @@
+#include "host/db/memfiler.h"
+
+#include <cstring>
+
+namespace zepk::db {
+
+Acad::ErrorStatus MemoryDwgFiler::readBytes(void* buf, Adesk::UIntPtr n) {
+  std::string bytes;
+  Acad::ErrorStatus es = get(&bytes);
+  if (es != Acad::eOk) return es;
+  if (bytes.size() != n) return status_ = Acad::eFilerError;
+  std::memcpy(buf, bytes.data(), n);
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus MemoryDwgFiler::writeBytes(const void* buf, Adesk::UIntPtr n) {
+  return put(std::string(static_cast<const char*>(buf), n));
+}
+
+namespace {
+
+// How a group code's integer sits in a result buffer: 16-bit codes in
+// rint, 64-bit codes in mnInt64, the rest in rlong.
+enum class IntField { Short, Long, Int64 };
+IntField intField(int code) {
+  if ((code >= 60 && code <= 79) || (code >= 170 && code <= 179) || (code >= 270 && code <= 289) ||
+      (code >= 370 && code <= 389) || (code >= 400 && code <= 409) || (code >= 1060 && code <= 1070) ||
+      (code >= 290 && code <= 299))
+    return IntField::Short;
+  if (code >= 160 && code <= 169) return IntField::Int64;
+  return IntField::Long;
+}
+
+}  // namespace
+
+MemoryDxfFiler::~MemoryDxfFiler() { delete[] lastString_; }
+
+const DxfItem* MemoryDxfFiler::next() {
+  if (status_ != Acad::eOk || pos_ >= items_.size()) return nullptr;
+  return &items_[pos_++];
+}
+
+Acad::ErrorStatus MemoryDxfFiler::readItem(resbuf* rb) {
+  if (status_ != Acad::eOk) return status_;
+  if (pos_ >= items_.size()) return Acad::eEndOfFile;
+  const DxfItem& it = items_[pos_++];
+  rb->restype = static_cast<short>(it.code);
+  switch (it.kind) {
+    case DxfItem::String: {
+      delete[] lastString_;
+      lastString_ = new ACHAR[it.s.size() + 1];
+      std::memcpy(lastString_, it.s.c_str(), (it.s.size() + 1) * sizeof(ACHAR));
+      rb->resval.rstring = lastString_;
+      break;
+    }
+    case DxfItem::Int:
+      switch (intField(it.code)) {
+        case IntField::Short: rb->resval.rint = static_cast<short>(it.i); break;
+        case IntField::Long: rb->resval.rlong = static_cast<int32_t>(it.i); break;
+        case IntField::Int64: rb->resval.mnInt64 = it.i; break;
+      }
+      break;
+    case DxfItem::Real: rb->resval.rreal = it.p[0]; break;
+    case DxfItem::Point:
+      for (int k = 0; k < 3; ++k) rb->resval.rpoint[k] = it.p[k];
+      break;
+    case DxfItem::Id:
+      rb->resval.rlname[0] = it.id.asOldId();
+      rb->resval.rlname[1] = 0;
+      break;
+    case DxfItem::Handle: {
+      uint64_t v = it.handle.value();
+      std::memcpy(rb->resval.ihandle, &v, 8);
+      break;
+    }
+    case DxfItem::Binary:
+      rb->resval.rbinary.clen = static_cast<short>(it.b.size());
+      rb->resval.rbinary.buf = const_cast<char*>(it.b.data());
+      break;
+  }
+  return Acad::eOk;
+}
+
+bool MemoryDxfFiler::atSubclassData(const ACHAR* name) {
+  if (pos_ < items_.size() && items_[pos_].code == 100 && items_[pos_].s == name) {
+    ++pos_;
+    return true;
+  }
+  return false;
+}
+
+Acad::ErrorStatus MemoryDxfFiler::writeItem(const resbuf& rb) {
+  int code = rb.restype;
+  if ((code >= 0 && code <= 9) || code == 100 || code == 102 || (code >= 300 && code <= 309) ||
+      (code >= 410 && code <= 419) || (code >= 430 && code <= 439) || (code >= 470 && code <= 479) ||
+      code == 999 || (code >= 1000 && code <= 1003) || (code >= 1005 && code <= 1009))
+    return writeString(code, rb.resval.rstring ? rb.resval.rstring : u"");
+  if ((code >= 10 && code <= 18) || (code >= 110 && code <= 112) || code == 210 ||
+      (code >= 1010 && code <= 1013))
+    return writePoint3d(code, AcGePoint3d(rb.resval.rpoint[0], rb.resval.rpoint[1], rb.resval.rpoint[2]));
+  if ((code >= 19 && code <= 59) || (code >= 113 && code <= 149) || (code >= 211 && code <= 239) ||
+      (code >= 460 && code <= 469) || (code >= 1014 && code <= 1059))
+    return writeDouble(code, rb.resval.rreal);
+  if ((code >= 320 && code <= 369) || (code >= 390 && code <= 399) || code == 480 || code == 481) {
+    AcDbObjectId id;
+    id.setFromOldId(static_cast<intptr_t>(rb.resval.rlname[0]));
+    return writeObjectId(code, id);
+  }
+  if (code == 105 || code == 5) return writeString(code, rb.resval.rstring ? rb.resval.rstring : u"");
+  if ((code >= 310 && code <= 319) || code == 1004)
+    return writeBinaryChunk(code, std::string(rb.resval.rbinary.buf ? rb.resval.rbinary.buf : "",
+                                              rb.resval.rbinary.buf ? rb.resval.rbinary.clen : 0));
+  switch (intField(code)) {
+    case IntField::Short: return writeInt64(code, rb.resval.rint);
+    case IntField::Int64: return writeInt64(code, rb.resval.mnInt64);
+    case IntField::Long: return writeInt64(code, rb.resval.rlong);
+  }
+  return Acad::eInvalidResBuf;
+}
+
+Acad::ErrorStatus MemoryDxfFiler::writeString(int code, const std::u16string& s) {
+  if (status_ != Acad::eOk) return status_;
+  DxfItem it;
+  it.code = code;
+  it.kind = DxfItem::String;
+  it.s = s;
+  items_.push_back(std::move(it));
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus MemoryDxfFiler::writeInt64(int code, Adesk::Int64 v) {
+  if (status_ != Acad::eOk) return status_;
+  DxfItem it;
+  it.code = code;
+  it.kind = DxfItem::Int;
+  it.i = v;
+  items_.push_back(std::move(it));
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus MemoryDxfFiler::writeDouble(int code, double v, int) {
+  if (status_ != Acad::eOk) return status_;
+  DxfItem it;
+  it.code = code;
+  it.kind = DxfItem::Real;
+  it.p[0] = v;
+  items_.push_back(std::move(it));
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus MemoryDxfFiler::writePoint3d(int code, const AcGePoint3d& p, int) {
+  if (status_ != Acad::eOk) return status_;
+  DxfItem it;
+  it.code = code;
+  it.kind = DxfItem::Point;
+  it.p[0] = p.x;
+  it.p[1] = p.y;
+  it.p[2] = p.z;
+  items_.push_back(std::move(it));
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus MemoryDxfFiler::writeObjectId(int code, const AcDbObjectId& id) {
+  if (status_ != Acad::eOk) return status_;
+  DxfItem it;
+  it.code = code;
+  it.kind = DxfItem::Id;
+  it.id = id;
+  items_.push_back(std::move(it));
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus MemoryDxfFiler::writeHandle(int code, const AcDbHandle& h) {
+  if (status_ != Acad::eOk) return status_;
+  DxfItem it;
+  it.code = code;
+  it.kind = DxfItem::Handle;
+  it.handle = h;
+  items_.push_back(std::move(it));
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus MemoryDxfFiler::writeBinaryChunk(int code, const std::string& bytes) {
+  if (status_ != Acad::eOk) return status_;
+  DxfItem it;
+  it.code = code;
+  it.kind = DxfItem::Binary;
+  it.b = bytes;
+  items_.push_back(std::move(it));
+  return Acad::eOk;
+}
+
+}  // namespace zepk::db

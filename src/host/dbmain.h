@@ -1,0 +1,262 @@
+// The drawing database: objects, their ids and handles, the open and close
+// protocol, notifications and undo.
+//
+// An object belongs to one database once it is added; the database keeps it
+// alive until the drawing closes (erasing only marks it). Code reaches an
+// object by opening its id for read (shared), for write (exclusive) or for
+// notify, and closes it when done; AcDbObjectPointer does both. Closing an
+// object that was open for write sends the notifications a CAD host sends:
+// to the object's transient reactors, to the objects that hold it as a
+// persistent reactor, and to the database's reactors.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/acadstrc.h"
+#include "host/ads.h"
+#include "host/dbfiler.h"
+#include "host/dbid.h"
+#include "host/rxobject.h"
+
+class AcDbObject;
+class AcDbDatabase;
+
+// A reactor that code attaches to an object for the session (not saved).
+class AcDbObjectReactor : public AcRxObject {
+ public:
+  virtual void cancelled(const AcDbObject*) {}
+  virtual void copied(const AcDbObject*, const AcDbObject*) {}
+  virtual void erased(const AcDbObject*, bool /*erasing*/ = true) {}
+  virtual void goodbye(const AcDbObject*) {}
+  virtual void openedForModify(const AcDbObject*) {}
+  virtual void modified(const AcDbObject*) {}
+  virtual void modifiedXData(const AcDbObject*) {}
+  virtual void objectClosed(AcDbObjectId) {}
+};
+
+// A reactor on a whole database.
+class AcDbDatabaseReactor : public AcRxObject {
+ public:
+  virtual void objectAppended(const AcDbDatabase*, const AcDbObject*) {}
+  virtual void objectUnAppended(const AcDbDatabase*, const AcDbObject*) {}
+  virtual void objectReAppended(const AcDbDatabase*, const AcDbObject*) {}
+  virtual void objectOpenedForModify(const AcDbDatabase*, const AcDbObject*) {}
+  virtual void objectModified(const AcDbDatabase*, const AcDbObject*) {}
+  virtual void objectErased(const AcDbDatabase*, const AcDbObject*, bool /*erased*/ = true) {}
+  virtual void goodbye(const AcDbDatabase*) {}
+};
+
+class AcDbObject : public AcRxObject {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbObject);
+  AcDbObject();
+  ~AcDbObject() override;
+  AcDbObject(const AcDbObject&) = delete;
+  AcDbObject& operator=(const AcDbObject&) = delete;
+
+  AcDbObjectId objectId() const;
+  AcDbObjectId ownerId() const { return owner_; }
+  virtual Acad::ErrorStatus setOwnerId(AcDbObjectId owner);
+  AcDbHandle getDbHandle() const { return objectId().handle(); }
+  void getAcDbHandle(AcDbHandle& h) const { h = getDbHandle(); }
+  AcDbDatabase* database() const;
+
+  // Open state.
+  bool isReadEnabled() const { return mode_ != Mode::Closed; }
+  bool isWriteEnabled() const { return mode_ == Mode::Write; }
+  bool isNotifyEnabled() const { return mode_ == Mode::Notify || notifying_; }
+  bool isNotifying() const { return notifying_; }
+  bool isNewObject() const { return isNew_; }
+  bool isModified() const { return modified_; }
+  bool isErased() const;
+  Acad::ErrorStatus upgradeOpen();
+  Acad::ErrorStatus downgradeOpen();
+  Acad::ErrorStatus close();
+  // Closes, dropping the changes made since the object was opened for
+  // write (they are taken back from the undo record).
+  Acad::ErrorStatus cancel();
+
+  // Marks the object as being changed: the first call while open for
+  // write records its state for undo and tells its reactors it is opened
+  // for modify. Every setter calls it.
+  void assertWriteEnabled(bool autoUndo = true, bool recordModified = true);
+  void assertReadEnabled() const {}
+  void assertNotifyEnabled() const {}
+
+  Acad::ErrorStatus erase(bool erasing = true);
+
+  // Extended data: a chain of 1001 application names each followed by its
+  // groups (1000-1071). xData(name) gives that application's part, xData()
+  // all of it; the caller releases the chain with acutRelRb. setXData
+  // replaces the parts of the applications it names; an application name
+  // alone removes that part. A part over 16 KB is refused.
+  resbuf* xData(const ACHAR* regappName = nullptr) const;
+  Acad::ErrorStatus setXData(const resbuf* xdata);
+  // Bytes of extended data as the host counts them.
+  int xDataSize() const;
+
+  AcDbObjectId extensionDictionary() const { return extDict_; }
+  Acad::ErrorStatus createExtensionDictionary();
+  Acad::ErrorStatus releaseExtensionDictionary();
+
+  void addReactor(AcDbObjectReactor* reactor) const;
+  void removeReactor(AcDbObjectReactor* reactor) const;
+  void addPersistentReactor(AcDbObjectId id);
+  Acad::ErrorStatus removePersistentReactor(AcDbObjectId id);
+  bool hasPersistentReactor(AcDbObjectId id) const;
+  const AcDbObjectIdArray& getPersistentReactors() const { return persistentReactors_; }
+
+  // Persistence. Each class writes its parent's fields first, then its own.
+  virtual Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer);
+  virtual Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const;
+  virtual Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer);
+  virtual Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const;
+
+  // Notifications received by an object that is a persistent reactor of
+  // another (dbObj is the object that changed).
+  virtual void cancelled(const AcDbObject* dbObj) {}
+  virtual void copied(const AcDbObject* dbObj, const AcDbObject* newObj) {}
+  virtual void erased(const AcDbObject* dbObj, bool erasing = true) {}
+  virtual void goodbye(const AcDbObject* dbObj) {}
+  virtual void openedForModify(const AcDbObject* dbObj) {}
+  virtual void modified(const AcDbObject* dbObj) {}
+  virtual void modifiedXData(const AcDbObject* dbObj) {}
+  virtual void objectClosed(const AcDbObjectId objId) {}
+
+  // Hooks of the object's own life.
+  virtual Acad::ErrorStatus subOpen(AcDb::OpenMode mode) { return Acad::eOk; }
+  virtual Acad::ErrorStatus subClose() { return Acad::eOk; }
+  virtual Acad::ErrorStatus subErase(bool erasing) { return Acad::eOk; }
+  // Whether opening for write is refused for another reason (an entity on
+  // a locked layer).
+  virtual Acad::ErrorStatus checkWriteOpen() const { return Acad::eOk; }
+
+ private:
+  friend class AcDbDatabase;
+  friend struct AcDbObjectAccess;
+  enum class Mode : unsigned char { Closed, Read, Write, Notify };
+
+  AcDbStub* stub_ = nullptr;
+  AcDbObjectId owner_;
+  AcDbObjectId extDict_;
+  AcDbObjectIdArray persistentReactors_;
+  mutable std::vector<AcDbObjectReactor*> reactors_;
+  // Extended data: 1001 application nodes each followed by its groups.
+  resbuf* xdata_ = nullptr;
+  Mode mode_ = Mode::Closed;
+  int readers_ = 0;
+  bool notifying_ = false;
+  bool isNew_ = true;
+  bool modified_ = false;
+  bool openedForModifySent_ = false;
+  bool xdataModified_ = false;
+  bool undoRecorded_ = false;
+};
+
+// Opens an object by id. A null id gives eNullObjectId, an erased object
+// eWasErased unless openErased, an object of another class
+// eNotThatKindOfClass; for write, an object open for read by others gives
+// eWasOpenForRead, one open for write eWasOpenForWrite, one sending
+// notifications eWasNotifying, an entity on a locked layer eOnLockedLayer.
+Acad::ErrorStatus acdbOpenAcDbObject(AcDbObject*& pObj, AcDbObjectId id, AcDb::OpenMode mode,
+                                     bool openErased = false);
+
+template <class T>
+Acad::ErrorStatus acdbOpenObject(T*& pObj, AcDbObjectId id, AcDb::OpenMode mode, bool openErased = false) {
+  AcDbObject* p = nullptr;
+  pObj = nullptr;
+  Acad::ErrorStatus es = acdbOpenAcDbObject(p, id, mode, openErased);
+  if (es != Acad::eOk) return es;
+  T* t = T::cast(p);
+  if (!t) {
+    p->close();
+    return Acad::eNotThatKindOfClass;
+  }
+  pObj = t;
+  return Acad::eOk;
+}
+
+// Opens on construction and closes on destruction, on every path.
+template <class T>
+class AcDbObjectPointer {
+ public:
+  AcDbObjectPointer() = default;
+  AcDbObjectPointer(AcDbObjectId id, AcDb::OpenMode mode, bool openErased = false) {
+    status_ = acdbOpenObject(ptr_, id, mode, openErased);
+  }
+  ~AcDbObjectPointer() { close(); }
+  AcDbObjectPointer(const AcDbObjectPointer&) = delete;
+  AcDbObjectPointer& operator=(const AcDbObjectPointer&) = delete;
+  Acad::ErrorStatus open(AcDbObjectId id, AcDb::OpenMode mode, bool openErased = false) {
+    close();
+    status_ = acdbOpenObject(ptr_, id, mode, openErased);
+    return status_;
+  }
+  Acad::ErrorStatus openStatus() const { return status_; }
+  Acad::ErrorStatus close() {
+    if (!ptr_) return Acad::eOk;
+    Acad::ErrorStatus es = ptr_->close();
+    ptr_ = nullptr;
+    return es;
+  }
+  T* object() const { return ptr_; }
+  T* operator->() const { return ptr_; }
+  explicit operator bool() const { return ptr_ != nullptr; }
+
+ private:
+  T* ptr_ = nullptr;
+  Acad::ErrorStatus status_ = Acad::eNullObjectId;
+};
+
+class AcDbDatabase : public AcRxObject {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbDatabase);
+  AcDbDatabase();
+  ~AcDbDatabase() override;
+  AcDbDatabase(const AcDbDatabase&) = delete;
+  AcDbDatabase& operator=(const AcDbDatabase&) = delete;
+
+  // Adds a new object (not in any database yet) with the next handle; the
+  // database owns it from now on, and it is left open for write as the
+  // host leaves appended objects, to be closed by the caller.
+  Acad::ErrorStatus addAcDbObject(AcDbObjectId& id, AcDbObject* obj);
+  // The same with a given handle (reading a drawing); a handle in use is
+  // refused with eHandleInUse.
+  Acad::ErrorStatus addAcDbObjectWithHandle(AcDbObjectId& id, AcDbObject* obj, AcDbHandle h);
+  Acad::ErrorStatus getAcDbObjectId(AcDbObjectId& id, bool createIfNotFound, const AcDbHandle& h);
+  AcDbHandle handseed() const { return handseed_; }
+  // Handles at or above the seed are unused; setting it lower than a
+  // handle in use is refused.
+  Acad::ErrorStatus setHandseed(const AcDbHandle& h);
+  // Every object in handle order.
+  AcDbObjectIdArray allObjects() const;
+
+  void addReactor(AcDbDatabaseReactor* r) const;
+  void removeReactor(AcDbDatabaseReactor* r) const;
+
+  // Undo. Inside a mark, the first change of an object records its state;
+  // undoBack restores the records of the last mark in reverse order,
+  // silently (no notifications), and takes back objects added since.
+  void beginUndoMark();
+  void endUndoMark();
+  bool undoBack();
+  int undoMarkCount() const;
+
+ private:
+  friend class AcDbObject;
+  friend struct AcDbObjectAccess;
+  struct Impl;
+  AcDbStub* newStub(AcDbHandle h);
+  std::unique_ptr<Impl> impl_;
+  AcDbHandle handseed_{1};
+};
+
+// One object record of a database; an AcDbObjectId points to it.
+struct AcDbStub {
+  AcDbDatabase* db = nullptr;
+  AcDbHandle handle;
+  AcDbObject* object = nullptr;
+  bool erased = false;
+};

@@ -1,0 +1,210 @@
+#include "host/dxf/writer.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <charconv>
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+namespace zepk::dxf {
+
+// ---------------------------------------------------------------- groups
+
+bool GroupWriter::refuse(int code, const std::string& why) {
+  if (error_.empty()) error_ = "group " + std::to_string(code) + ": " + why;
+  return false;
+}
+
+bool GroupWriter::checkCode(int code) {
+  if (!ok()) return false;
+  if (code < 0) return refuse(code, "a negative code belongs to entity lists, not to files");
+  return true;
+}
+
+void GroupWriter::putCode(int code) {
+  if (code < 10) out_ += "  ";
+  else if (code < 100) out_ += ' ';
+  char buf[12];
+  auto [end, ec] = std::to_chars(buf, buf + sizeof buf, code);
+  out_.append(buf, end);
+  putEol();
+}
+
+bool GroupWriter::text(int code, std::string_view value) {
+  if (!checkCode(code)) return false;
+  const ValueKind kind = valueKind(code);
+  if (kind != ValueKind::Text && groupType(code) != GroupType::Unknown)
+    return refuse(code, std::string("text cannot be written where ") + describe(groupType(code)) + " belongs");
+  if (value.find_first_of("\r\n") != std::string_view::npos)
+    return refuse(code, "a line break cannot be written in a text value");
+  putCode(code);
+  out_ += value;
+  putEol();
+  return true;
+}
+
+bool GroupWriter::real(int code, double value) {
+  if (!checkCode(code)) return false;
+  const GroupType type = groupType(code);
+  if (type != GroupType::Real && type != GroupType::Unknown)
+    return refuse(code, std::string("a real number cannot be written where ") + describe(type) + " belongs");
+  if (!std::isfinite(value)) return refuse(code, "a real number that is not finite cannot be written");
+  putCode(code);
+  char buf[32];
+  auto [end, ec] = std::to_chars(buf, buf + sizeof buf, value);
+  out_.append(buf, end);
+  // A whole number gets ".0" so that it reads as a real everywhere.
+  if (std::string_view(buf, static_cast<size_t>(end - buf)).find_first_of(".e") == std::string_view::npos) out_ += ".0";
+  putEol();
+  return true;
+}
+
+bool GroupWriter::integer(int code, std::int64_t value) {
+  if (!checkCode(code)) return false;
+  const GroupType type = groupType(code);
+  if (type == GroupType::Real) return real(code, static_cast<double>(value));
+  bool fits = true;
+  switch (type) {
+    case GroupType::Int16: fits = value >= -32768 && value <= 32767; break;
+    case GroupType::Int32: fits = value >= INT32_MIN && value <= INT32_MAX; break;
+    case GroupType::Bool: fits = value == 0 || value == 1; break;
+    case GroupType::Int64:
+    case GroupType::Unknown: break;
+    default:
+      return refuse(code, std::string("an integer cannot be written where ") + describe(type) + " belongs");
+  }
+  if (!fits) return refuse(code, std::to_string(value) + " is out of range for " + describe(type));
+  putCode(code);
+  char buf[24];
+  auto [end, ec] = std::to_chars(buf, buf + sizeof buf, value);
+  out_.append(buf, end);
+  putEol();
+  return true;
+}
+
+bool GroupWriter::boolean(int code, bool value) { return integer(code, value ? 1 : 0); }
+
+bool GroupWriter::point(int code, double x, double y, double z) {
+  return real(code, x) && real(code + 10, y) && real(code + 20, z);
+}
+
+bool GroupWriter::point(int code, double x, double y) { return real(code, x) && real(code + 10, y); }
+
+bool GroupWriter::group(const Group& g) {
+  if (const auto* s = std::get_if<std::string>(&g.value)) return text(g.code, *s);
+  if (const auto* d = std::get_if<double>(&g.value)) return real(g.code, *d);
+  return integer(g.code, std::get<std::int64_t>(g.value));
+}
+
+// ---------------------------------------------------------------- files
+
+namespace {
+
+std::string failure(const std::string& path, const std::string& why) { return "cannot write \"" + path + "\": " + why; }
+
+// A name for the new file, beside the target and hidden, that no other
+// writer in this or another process picks at the same time.
+std::string temporaryName(const std::string& dir, const std::string& base) {
+  static std::atomic<unsigned> counter{0};
+  const auto now = static_cast<unsigned long long>(std::chrono::steady_clock::now().time_since_epoch().count());
+  const unsigned long long mix = now ^ (static_cast<unsigned long long>(::getpid()) << 32) ^ (counter++ * 0x9E3779B97F4A7C15ULL);
+  char hex[17];
+  std::snprintf(hex, sizeof hex, "%016llx", mix);
+  // Cut a long name so that the temporary one stays within the 255 bytes a
+  // name may have.
+  return dir + "." + base.substr(0, 200) + "." + hex + ".tmp";
+}
+
+bool writeAll(int fd, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t n = ::write(fd, bytes.data(), bytes.size());
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      return false;
+    }
+    bytes.remove_prefix(static_cast<size_t>(n));
+  }
+  return true;
+}
+
+}  // namespace
+
+bool writeFileAtomically(const std::string& path, std::string_view bytes, std::string* error) {
+  auto fail = [&](const std::string& why) {
+    if (error != nullptr) *error = failure(path, why);
+    return false;
+  };
+  if (path.empty()) return fail("no file name");
+
+  // Replace what a symbolic link names, not the link.
+  std::string target = path;
+  struct stat st {};
+  if (::lstat(path.c_str(), &st) == 0 && S_ISLNK(st.st_mode)) {
+    if (char* real = ::realpath(path.c_str(), nullptr)) {
+      target = real;
+      std::free(real);
+    } else {
+      // A link to a file that does not exist yet: create that file.
+      std::string link(4096, '\0');
+      const ssize_t n = ::readlink(path.c_str(), link.data(), link.size());
+      if (n > 0 && static_cast<size_t>(n) < link.size()) {
+        link.resize(static_cast<size_t>(n));
+        const size_t slash = path.rfind('/');
+        target = link.front() == '/' || slash == std::string::npos ? link : path.substr(0, slash + 1) + link;
+      }
+    }
+  }
+  const bool exists = ::stat(target.c_str(), &st) == 0;
+  if (exists && S_ISDIR(st.st_mode)) return fail("it is a folder");
+  if (!target.empty() && target.back() == '/') return fail("it names a folder");
+
+  const size_t slash = target.rfind('/');
+  const std::string dir = slash == std::string::npos ? std::string() : target.substr(0, slash + 1);
+  const std::string base = slash == std::string::npos ? target : target.substr(slash + 1);
+
+  std::string tmp;
+  int fd = -1;
+  for (int attempt = 0; attempt < 100 && fd < 0; ++attempt) {
+    tmp = temporaryName(dir, base);
+    fd = ::open(tmp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);  // the umask applies
+    if (fd < 0 && errno != EEXIST) return fail(std::strerror(errno));
+  }
+  if (fd < 0) return fail("no free temporary name in its folder");
+
+  bool ok = writeAll(fd, bytes);
+  if (ok && exists) {
+    // Keep the old file's permissions and, where allowed, its owner.
+    ok = ::fchmod(fd, st.st_mode & 07777) == 0;
+    if (ok && (st.st_uid != ::geteuid() || st.st_gid != ::getegid())) (void)!::fchown(fd, st.st_uid, st.st_gid);
+  }
+  ok = ok && ::fsync(fd) == 0;
+  int saved = ok ? 0 : errno;
+  if (::close(fd) != 0 && ok) {
+    ok = false;
+    saved = errno;
+  }
+  if (ok && ::rename(tmp.c_str(), target.c_str()) != 0) {
+    ok = false;
+    saved = errno;
+  }
+  if (!ok) {
+    ::unlink(tmp.c_str());
+    return fail(std::strerror(saved));
+  }
+  // Make the rename itself durable. The file is in place already, so a
+  // folder that cannot be synced is not a failure.
+  const int dfd = ::open(dir.empty() ? "." : dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (dfd >= 0) {
+    ::fsync(dfd);
+    ::close(dfd);
+  }
+  return true;
+}
+
+}  // namespace zepk::dxf
