@@ -339,7 +339,17 @@ class Comparer:
             return
         if isinstance(a, (list, tuple)) and isinstance(b, (list, tuple)):
             if len(a) != len(b):
-                out.append((path, f"{len(a)} items in A, {len(b)} in B: {short(a)} != {short(b)}"))
+                first = len(a) if len(a) < len(b) else len(b)
+                for i, (x, y) in enumerate(zip(a, b)):
+                    probe = []
+                    self.diff_value(x, y, "", probe)
+                    if probe:
+                        first = i
+                        break
+                at_a = short(a[first]) if first < len(a) else "(end)"
+                at_b = short(b[first]) if first < len(b) else "(end)"
+                out.append((path, f"{len(a)} items in A, {len(b)} in B; first difference at [{first}]: "
+                                  f"{at_a} in A, {at_b} in B"))
                 return
             for i, (x, y) in enumerate(zip(a, b)):
                 self.diff_value(x, y, f"{path}[{i}]", out)

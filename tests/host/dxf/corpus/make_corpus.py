@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Build the DXF round-trip corpus: one drawing per DXF release.
 
-Usage: /usr/bin/python3 make_corpus.py OUTDIR
+Usage: /usr/bin/python3 make_corpus.py OUTDIR [--handle-offset N]
 
 Writes into OUTDIR (created if missing):
 
@@ -13,6 +13,9 @@ Writes into OUTDIR (created if missing):
 
 and prints the paths written, one a line.
 
+--handle-offset N skips N handles before the content is created: the same
+drawings with their handles renumbered (to test compare.py --ignore-handles).
+
 Every drawing holds as much of the same content as its release allows
 (see README.md for the table). The output is deterministic: no clock, no
 random GUID, a seeded generator for the survey points, and every object is
@@ -20,6 +23,7 @@ created in a fixed order so that handles come out the same on every run.
 Running the script twice gives byte-identical files.
 """
 
+import argparse
 import datetime
 import math
 import os
@@ -528,6 +532,8 @@ def build_special(c, msp, layer_of):
     from ezdxf.acis import api as acis
     from ezdxf.render.mesh import MeshBuilder
 
+    uids = []
+
     def export_acis(entity, body):
         # As acis.export_dxf, but with a fixed creation date in the ACIS header.
         from ezdxf.acis import const as acis_const, hdr, sab, sat
@@ -539,7 +545,8 @@ def build_special(c, msp, layer_of):
             exporter = sab.SabExporter(header)
             exporter.export(body)
             entity.sab = exporter.dump_sab()
-            entity.dxf.uid = "{5A1E0000-0000-4000-8000-%012X}" % int(entity.dxf.handle, 16)
+            uids.append(entity)
+            entity.dxf.uid = "{5A1E0000-0000-4000-8000-%012X}" % len(uids)
         else:
             header.set_version(acis_const.DEFAULT_SAT_VERSION)
             header.asm_end_marker = False
@@ -600,8 +607,9 @@ def build_paperspace(c, ents):
                                              dxfattribs={"const_width": 0.7})
     ents["ps_text"] = sheet.add_text(c.t("Sheet title", "图名 测量"), dxfattribs={"height": 5.0, "insert": (20, 20),
                                                                               "layer": ann})
-    ents["ps_viewport"] = sheet.add_viewport(center=(200, 150), size=(300, 200), view_center_point=(250, 250),
-                                             view_height=600)
+    vp = sheet.add_viewport(center=(200, 150), size=(300, 200), view_center_point=(250, 250), view_height=600)
+    vp.dxf.id = 2  # ezdxf numbers viewports across documents: keep the file independent of that
+    ents["ps_viewport"] = vp
     ents["ps_insert"] = sheet.add_blockref("NORTH_ARROW", (380, 250))
 
 
@@ -650,8 +658,54 @@ def build_objects(c, ents):
     anon.extend([ents["line1"], ents["circle"]])
 
 
-def build(release, encoding):
+def build_custom(c, ents):
+    """Objects of classes nobody but their application knows: a reader keeps
+    them as they are and writes them back unchanged."""
+    if c.r12:
+        return
+    from ezdxf.entities.dxfclass import DXFClass
+    from ezdxf.entities.dxfentity import DXFTagStorage
+    from ezdxf.lldxf.extendedtags import ExtendedTags
+
+    doc = c.doc
+    msp = doc.modelspace()
+    soft = doc.rootdict["ZEPK_SOFT"]
+    line = ents["line1"].dxf.handle
+    for name, cpp, is_entity in [("ZEPK_CUSTOM_OBJECT", "ZepkCustomObject", 0),
+                                 ("ZEPK_CUSTOM_ENTITY", "ZepkCustomEntity", 1)]:
+        cls = DXFClass.new(doc=doc)
+        cls.update_dxf_attribs({"name": name, "cpp_class_name": cpp, "app_name": "ZEPK corpus",
+                                "flags": 1, "was_a_proxy": 0, "is_an_entity": is_entity})
+        doc.classes.register(cls)
+
+    handle = doc.entitydb.next_handle()
+    owner = soft.dxf.handle
+    tags = ExtendedTags.from_text(
+        f"0\nZEPK_CUSTOM_OBJECT\n5\n{handle}\n102\n{{ACAD_REACTORS\n330\n{owner}\n102\n}}\n"
+        f"330\n{owner}\n100\nZepkCustomObject\n70\n3\n1\n{c.t('custom data', '自定义数据')}\n"
+        f"10\n1.5\n20\n2.5\n30\n3.5\n40\n0.125\n90\n42\n340\n{line}\n"
+        f"1\nsecond\n40\n1e-300\n")
+    obj = DXFTagStorage.load(tags, doc)
+    doc.entitydb.add(obj)
+    doc.objects.add_object(obj)
+    soft.add("CUSTOM", obj)
+
+    handle = doc.entitydb.next_handle()
+    tags = ExtendedTags.from_text(
+        f"0\nZEPK_CUSTOM_ENTITY\n5\n{handle}\n330\n{msp.block_record_handle}\n100\nAcDbEntity\n"
+        f"8\n{c.name('SURVEY_POINTS', '测量点')}\n62\n5\n100\nZepkCustomEntity\n"
+        f"10\n700.0\n20\n50.0\n30\n12.75\n40\n2.5\n1\n{c.t('custom entity', '自定义实体')}\n"
+        f"90\n7\n330\n{line}\n")
+    ent = DXFTagStorage.load(tags, doc)
+    doc.entitydb.add(ent)
+    msp.add_entity(ent)
+    ents["custom_entity"] = ent
+
+
+def build(release, encoding, handle_offset=0):
     doc = ezdxf.new(release, setup=True)
+    for _ in range(handle_offset):
+        doc.entitydb.next_handle()
     if encoding:
         doc.encoding = encoding
         doc.header["$DWGCODEPAGE"] = "ANSI_936"
@@ -683,6 +737,7 @@ def build(release, encoding):
     build_paperspace(c, ents)
     build_xdata_xdicts(c, ents)
     build_objects(c, ents)
+    build_custom(c, ents)
     return doc
 
 
@@ -697,11 +752,11 @@ def register_classes(doc):
         doc.classes.add_class(name)
 
 
-def make_corpus(outdir):
+def make_corpus(outdir, handle_offset=0):
     os.makedirs(outdir, exist_ok=True)
     written = []
     for filename, release, encoding in RELEASES:
-        doc = build(release, encoding)
+        doc = build(release, encoding, handle_offset)
         register_classes(doc)
         path = os.path.join(outdir, filename)
         doc.saveas(path)
@@ -709,14 +764,16 @@ def make_corpus(outdir):
     return written
 
 
-def main(argv):
-    if len(argv) != 2 or argv[1].startswith("-"):
-        print("usage: make_corpus.py OUTDIR", file=sys.stderr)
-        return 2
-    for path in make_corpus(argv[1]):
+def main(argv=None):
+    parser = argparse.ArgumentParser(description="Build the DXF round-trip corpus, one drawing per release.")
+    parser.add_argument("outdir", metavar="OUTDIR", help="folder to write the drawings into")
+    parser.add_argument("--handle-offset", type=int, default=0, metavar="N",
+                        help="skip N handles first: the same drawings, renumbered")
+    args = parser.parse_args(argv)
+    for path in make_corpus(args.outdir, args.handle_offset):
         print(path)
     return 0
 
 
 if __name__ == "__main__":
-    sys.exit(main(sys.argv))
+    sys.exit(main())
