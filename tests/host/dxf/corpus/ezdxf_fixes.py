@@ -34,7 +34,7 @@ def file_handles(path):
     (R12 block records, SEQENDs of inserts without attributes, ...)."""
     with open(path, "rb") as f:
         data = f.read()
-    if data.startswith(b"AutoCAD Binary DXF"):
+    if data[18:22] == b"\r\n\x1a\x00":  # the sentinel that starts a binary DXF file
         return set()
     lines = [line.rstrip(b"\r") for line in data.split(b"\n")]
     handles = set()

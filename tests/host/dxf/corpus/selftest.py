@@ -13,7 +13,8 @@ Builds the corpus in a temporary folder and checks that:
     deleted xrecord, a renamed dictionary entry, changed Chinese text, a
     retargeted pointer behind renumbered handles, a changed header variable,
     and reports entity order and added table entries in strict mode only;
-  - audit.py passes on each corpus file and fails on a broken one.
+  - audit.py passes on each corpus file and fails on a broken one;
+  - roundtrip.py passes a saver that keeps the file and fails others.
 
 Exit status 0 when all checks pass, 1 otherwise.
 """
@@ -321,6 +322,27 @@ class CompareCatchesChanges(unittest.TestCase):
         def edit(doc):
             doc.modelspace().delete_entity(find(doc, 4))  # a block reference in the group
         self.assertCaught("r2018", edited_copy("r2018", edit, "delete"), "only in A", "members")
+
+
+class RoundTrip(unittest.TestCase):
+    def run_roundtrip(self, *args):
+        return subprocess.run([PYTHON, os.path.join(HERE, "roundtrip.py"), *args], capture_output=True, text=True)
+
+    def test_faithful_saver_passes(self):
+        done = self.run_roundtrip("--only", "r12", "--only", "r2018", "--", "cp", "{in}", "{out}")
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+        self.assertEqual(done.stdout.count("ok "), 2, done.stdout)
+
+    def test_saver_that_changes_a_name_fails_with_the_report(self):
+        done = self.run_roundtrip("--only", "r2004", "--", "sh", "-c",
+                                  'sed "s/^ZEPK_DASHED$/ZEPK_DASHES/" "$0" > "$1"', "{in}", "{out}")
+        self.assertEqual(done.returncode, 1, done.stdout + done.stderr)
+        self.assertIn("entry 'ZEPK_DASHED' only in A", done.stdout)
+
+    def test_saver_that_saves_nothing_fails(self):
+        done = self.run_roundtrip("--only", "r2000", "--", "true", "{out}")
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("saved nothing", done.stdout)
 
 
 class Audit(unittest.TestCase):
