@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "host/dxf/group.h"
+
 namespace zepk::db {
 
 Acad::ErrorStatus MemoryDwgFiler::readBytes(void* buf, Adesk::UIntPtr n) {
@@ -19,16 +21,24 @@ Acad::ErrorStatus MemoryDwgFiler::writeBytes(const void* buf, Adesk::UIntPtr n) 
 
 namespace {
 
-// How a group code's integer sits in a result buffer: 16-bit codes in
-// rint, 64-bit codes in mnInt64, the rest in rlong.
+using zepk::dxf::GroupType;
+
+// A result buffer holds a point in one node for these codes; the file
+// writes them as separate x, y and z groups.
+bool isPointCode(int code) {
+  return (code >= 10 && code <= 18) || (code >= 110 && code <= 112) || code == 210 || (code >= 1010 && code <= 1013);
+}
+
+// How a group code's integer sits in a result buffer: 16-bit codes (and
+// booleans) in rint, 64-bit codes in mnInt64, the rest in rlong.
 enum class IntField { Short, Long, Int64 };
 IntField intField(int code) {
-  if ((code >= 60 && code <= 79) || (code >= 170 && code <= 179) || (code >= 270 && code <= 289) ||
-      (code >= 370 && code <= 389) || (code >= 400 && code <= 409) || (code >= 1060 && code <= 1070) ||
-      (code >= 290 && code <= 299))
-    return IntField::Short;
-  if (code >= 160 && code <= 169) return IntField::Int64;
-  return IntField::Long;
+  switch (zepk::dxf::groupType(code)) {
+    case GroupType::Int16:
+    case GroupType::Bool: return IntField::Short;
+    case GroupType::Int64: return IntField::Int64;
+    default: return IntField::Long;
+  }
 }
 
 }  // namespace
@@ -91,25 +101,24 @@ bool MemoryDxfFiler::atSubclassData(const ACHAR* name) {
 
 Acad::ErrorStatus MemoryDxfFiler::writeItem(const resbuf& rb) {
   int code = rb.restype;
-  if ((code >= 0 && code <= 9) || code == 100 || code == 102 || (code >= 300 && code <= 309) ||
-      (code >= 410 && code <= 419) || (code >= 430 && code <= 439) || (code >= 470 && code <= 479) ||
-      code == 999 || (code >= 1000 && code <= 1003) || (code >= 1005 && code <= 1009))
-    return writeString(code, rb.resval.rstring ? rb.resval.rstring : u"");
-  if ((code >= 10 && code <= 18) || (code >= 110 && code <= 112) || code == 210 ||
-      (code >= 1010 && code <= 1013))
+  if (isPointCode(code))
     return writePoint3d(code, AcGePoint3d(rb.resval.rpoint[0], rb.resval.rpoint[1], rb.resval.rpoint[2]));
-  if ((code >= 19 && code <= 59) || (code >= 113 && code <= 149) || (code >= 211 && code <= 239) ||
-      (code >= 460 && code <= 469) || (code >= 1014 && code <= 1059))
-    return writeDouble(code, rb.resval.rreal);
-  if ((code >= 320 && code <= 369) || (code >= 390 && code <= 399) || code == 480 || code == 481) {
-    AcDbObjectId id;
-    id.setFromOldId(static_cast<intptr_t>(rb.resval.rlname[0]));
-    return writeObjectId(code, id);
+  switch (zepk::dxf::groupType(code)) {
+    case GroupType::String:
+    case GroupType::Unknown: return writeString(code, rb.resval.rstring ? rb.resval.rstring : u"");
+    case GroupType::Real: return writeDouble(code, rb.resval.rreal);
+    case GroupType::Handle: {
+      // Handles (5, 105, 1005) are text; references to objects are names.
+      if (code == 5 || code == 105 || code == 1005) return writeString(code, rb.resval.rstring ? rb.resval.rstring : u"");
+      AcDbObjectId id;
+      id.setFromOldId(static_cast<intptr_t>(rb.resval.rlname[0]));
+      return writeObjectId(code, id);
+    }
+    case GroupType::Binary:
+      return writeBinaryChunk(code, std::string(rb.resval.rbinary.buf ? rb.resval.rbinary.buf : "",
+                                                rb.resval.rbinary.buf ? rb.resval.rbinary.clen : 0));
+    default: break;
   }
-  if (code == 105 || code == 5) return writeString(code, rb.resval.rstring ? rb.resval.rstring : u"");
-  if ((code >= 310 && code <= 319) || code == 1004)
-    return writeBinaryChunk(code, std::string(rb.resval.rbinary.buf ? rb.resval.rbinary.buf : "",
-                                              rb.resval.rbinary.buf ? rb.resval.rbinary.clen : 0));
   switch (intField(code)) {
     case IntField::Short: return writeInt64(code, rb.resval.rint);
     case IntField::Int64: return writeInt64(code, rb.resval.mnInt64);

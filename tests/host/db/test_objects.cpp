@@ -371,3 +371,40 @@ TEST(RxClasses, RecordsKnowTheirFamily) {
 }
 
 }  // namespace
+
+namespace {
+
+// Result buffers in and out of a group list keep each code's kind: points
+// in one node, handles as text, references as names, 16-bit and 32-bit
+// integers in their own fields.
+TEST(MemoryDxfFilerTest, ResultBuffersKeepTheirKinds) {
+  MemoryDxfFiler f;
+  const ads_point pt = {1, 2, 3};
+  const ads_name none = {0, 0};
+  // Group 0 is given as RTDXF0, since 0 ends the list.
+  resbuf* in = acutBuildList(RTDXF0, u"LINE", 5, u"2F", 10, pt, 40, 2.5, 70, 3, 90, 70000, 330, none, 0);
+  for (resbuf* p = in; p; p = p->rbnext) ASSERT_EQ(f.writeItem(*p), Acad::eOk) << p->restype;
+  acutRelRb(in);
+  std::vector<zepk::db::DxfItem::Kind> kinds;
+  for (auto& it : f.items()) kinds.push_back(it.kind);
+  using K = zepk::db::DxfItem;
+  EXPECT_EQ(kinds, (std::vector<K::Kind>{K::String, K::String, K::Point, K::Real, K::Int, K::Int, K::Id}));
+  resbuf rb;
+  ASSERT_EQ(f.readItem(&rb), Acad::eOk);
+  EXPECT_EQ(std::u16string(rb.resval.rstring), u"LINE");
+  f.readItem(&rb);
+  f.readItem(&rb);
+  EXPECT_EQ(rb.resval.rpoint[2], 3.0);
+  f.readItem(&rb);
+  EXPECT_EQ(rb.resval.rreal, 2.5);
+  f.readItem(&rb);
+  EXPECT_EQ(rb.resval.rint, 3);
+  f.readItem(&rb);
+  EXPECT_EQ(rb.resval.rlong, 70000);
+  f.readItem(&rb);
+  EXPECT_EQ(f.readItem(&rb), Acad::eEndOfFile);
+  f.pushBackItem();
+  EXPECT_EQ(f.peekCode(), 330);
+}
+
+}  // namespace
