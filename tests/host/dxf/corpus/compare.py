@@ -523,15 +523,13 @@ class Comparer:
             prefix = {"sub": "", "xdata": "extended data ", "appdata": "application data "}[part]
             for path, text in out:
                 self.report(label, f"{prefix}{path}: {text}")
-        out = []
-        self.diff_value(ra["reactors"], rb["reactors"] if not self.ignore_handles else
-                        sorted(rb["reactors"], key=lambda h: h), "reactors", out)
-        if out and self.ignore_handles:
-            # order of reactors is not meaningful; compare as sets through the pairing
-            mapped = sorted(self.to_b(h).upper() for h in ra["reactors"])
-            out = [] if mapped == sorted(h.upper() for h in rb["reactors"]) else out
-        for path, text in out:
-            self.report(label, text if path == "reactors" else f"{path}: {text}")
+        # Reactors form a set: their order means nothing.
+        mapped = sorted(self.to_b(h).upper() for h in ra["reactors"])
+        reactors_b = sorted(h.upper() for h in rb["reactors"])
+        if mapped != reactors_b:
+            self.report(label, f"reactors: {short(sorted(ra['reactors']))} in A"
+                               + (f" (paired with {short(mapped)})" if self.ignore_handles else "")
+                               + f", {short(reactors_b)} in B")
         if (ra["xdict"] is None) != (rb["xdict"] is None):
             self.report(label, "extension dictionary only in " + ("A" if rb["xdict"] is None else "B"))
         elif ra["xdict"] is not None:

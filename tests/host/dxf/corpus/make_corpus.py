@@ -631,6 +631,8 @@ def build_xdata_xdicts(c, ents):
         attach_xdict(c, doc.layers.get(c.name("CONTOURS", "等高线")), ents["circle"].dxf.handle, 20)
         # A reactor that points at nothing the entity owns.
         ents["line3"].append_reactor_handle(ents["line1"].dxf.handle)
+        # An application data group (102 {ZEPK ... 102 }).
+        ents["line2"].set_app_data(APP, [(1, c.t("app data", "应用数据")), (40, 2.0), (330, ref)])
 
 
 def build_objects(c, ents):

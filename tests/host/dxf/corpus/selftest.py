@@ -276,6 +276,19 @@ class CompareCatchesChanges(unittest.TestCase):
         doc.saveas(copy)
         self.assertCaught("r2010", copy, "SETTINGS", "points to #", args=("--strict", "--ignore-handles"))
 
+    def test_lost_reactor_of_a_hatch_boundary(self):
+        def edit(doc):
+            hatch = doc.modelspace().query("HATCH[associative==1]")[0]
+            boundary = doc.entitydb[hatch.paths[0].source_boundary_objects[0]]
+            boundary.discard_reactor_handle(hatch.dxf.handle)
+        self.assertCaught("r2018", edited_copy("r2018", edit, "reactor"), "LWPOLYLINE", "reactors:")
+
+    def test_changed_application_data(self):
+        def edit(doc):
+            line = doc.modelspace().query("LINE[thickness==2.5]")[0]
+            line.set_app_data("ZEPK", [(1, "app data"), (40, 2.5)])
+        self.assertCaught("r2000", edited_copy("r2000", edit, "appdata"), "application data {ZEPK")
+
     def test_changed_header_variable_but_not_the_save_date(self):
         def edit(doc):
             doc.header["$LTSCALE"] = 3.0
