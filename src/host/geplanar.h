@@ -47,8 +47,10 @@ class AcGePlanarEnt : public AcGeEntity3d {
   // The plane coordinates of the point's foot.
   AcGePoint2d paramOf(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const;
 
-  // Moves origin and axes; the frame is made orthonormal again after a
-  // matrix that scales unevenly, and a mirror turns the normal over.
+  // Moves origin and axes. The u axis follows the matrix, the normal is
+  // carried as a plane's normal is (by the inverse transpose, so a mirror in
+  // a plane parallel to this one turns it over), and v = normal x u keeps
+  // the frame orthonormal and right-handed after any matrix.
   AcGePlanarEnt& transformBy(const AcGeMatrix3d& xfm) override;
 
  protected:

@@ -110,6 +110,13 @@ AcGePlanarEnt& AcGePlanarEnt::transformBy(const AcGeMatrix3d& xfm) {
     return *this;
   }
   setFrame(o, u, v);
+  // The frame u x v turns with the handedness of the matrix; the normal goes
+  // with the points instead (as the inverse transpose carries it), so a
+  // reflection turns it over.
+  if (xfm.det() < 0.0) {
+    normal_ = -normal_;
+    vAxis_ = -vAxis_;
+  }
   return *this;
 }
 
