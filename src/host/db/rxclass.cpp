@@ -32,9 +32,16 @@ std::u16string nameOf(const ACHAR* s) { return s ? std::u16string(s) : std::u16s
 
 }  // namespace
 
+// The two roots are made on first use like the other host classes; not as
+// function statics, since making the dictionary registers them in turn.
+namespace {
+AcRxClass* gRxObject = nullptr;
+AcRxClass* gRxClass = nullptr;
+}  // namespace
+
 AcRxClass* AcRxObject::desc() {
-  static AcRxClass* c = newAcRxClass(u"AcRxObject", nullptr, nullptr, u"", u"");
-  return c;
+  if (!gRxObject) gRxObject = newAcRxClass(u"AcRxObject", nullptr, nullptr, u"", u"");
+  return gRxObject;
 }
 
 bool AcRxObject::isKindOf(const AcRxClass* aClass) const {
@@ -60,8 +67,8 @@ bool AcRxClass::isDerivedFrom(const AcRxClass* other) const {
 }
 
 AcRxClass* AcRxClass::desc() {
-  static AcRxClass* c = newAcRxClass(u"AcRxClass", u"AcRxObject");
-  return c;
+  if (!gRxClass) gRxClass = newAcRxClass(u"AcRxClass", u"AcRxObject");
+  return gRxClass;
 }
 
 AcRxClass* newAcRxClass(const ACHAR* className, const ACHAR* parentClassName, int dwgVersion, int maintVersion,
