@@ -59,6 +59,7 @@ struct AcDbDatabase::Impl {
   mutable std::vector<AcDbDatabaseReactor*> reactors;
   std::vector<zepk::db::UndoMark> marks;
   int openMarks = 0;
+  std::vector<zepk::db::HeaderVar> header;
 };
 
 ACRX_DEFINE_HOST_CLASS(AcDbDatabase, AcRxObject, nullptr, nullptr)
@@ -185,6 +186,8 @@ void dbNotify(AcDbDatabase* db, const std::function<void(AcDbDatabaseReactor*)>&
   if (!db) return;
   for (AcDbDatabaseReactor* r : std::vector<AcDbDatabaseReactor*>(AcDbObjectAccess::impl(db)->reactors)) f(r);
 }
+
+std::vector<HeaderVar>& headerVars(AcDbDatabase* db) { return AcDbObjectAccess::impl(db)->header; }
 
 UndoMark* openUndoMark(AcDbDatabase* db) {
   if (!db) return nullptr;

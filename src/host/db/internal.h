@@ -36,6 +36,30 @@ struct UndoMark {
 // the class dictionary is first used).
 void registerHostClasses();
 
+// ---- Symbol tables as entities and the file reader need them. Implemented
+// with the tables; a database without its tables answers null ids and "".
+
+// The layer and linetype table records of a database by name
+// (case-insensitive); null when there is none.
+AcDbObjectId layerIdByName(AcDbDatabase* db, const std::u16string& name);
+AcDbObjectId linetypeIdByName(AcDbDatabase* db, const std::u16string& name);
+// The name of any symbol table record; "" for a null id.
+std::u16string recordName(AcDbObjectId id);
+// Whether the layer record is locked (entities on it refuse a write open).
+bool isLayerLocked(AcDbObjectId layerId);
+// The layer "0" and the linetype "ByLayer" of the database: what new
+// entities get.
+AcDbObjectId defaultLayerId(AcDbDatabase* db);
+AcDbObjectId byLayerLinetypeId(AcDbDatabase* db);
+
+// ---- Header variables ($ACADVER, $HANDSEED, ... ) as the drawing stores
+// them: each name with its groups, in the order they were read or set.
+struct HeaderVar {
+  std::u16string name;  // with the "$"
+  std::vector<DxfItem> groups;
+};
+std::vector<HeaderVar>& headerVars(AcDbDatabase* db);
+
 // Puts an object back into its recorded state, without notifications.
 void restoreRecord(const UndoRecord& r);
 // The open undo mark of the database, or null.
