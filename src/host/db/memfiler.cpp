@@ -127,76 +127,54 @@ Acad::ErrorStatus MemoryDxfFiler::writeItem(const resbuf& rb) {
   return Acad::eInvalidResBuf;
 }
 
-Acad::ErrorStatus MemoryDxfFiler::writeString(int code, const std::u16string& s) {
+Acad::ErrorStatus MemoryDxfFiler::add(DxfItem item) {
   if (status_ != Acad::eOk) return status_;
-  DxfItem it;
-  it.code = code;
-  it.kind = DxfItem::String;
-  it.s = s;
-  items_.push_back(std::move(it));
+  items_.push_back(std::move(item));
   return Acad::eOk;
+}
+
+Acad::ErrorStatus MemoryDxfFiler::writeString(int code, const std::u16string& s) {
+  DxfItem it{code, DxfItem::String};
+  it.s = s;
+  return add(std::move(it));
 }
 
 Acad::ErrorStatus MemoryDxfFiler::writeInt64(int code, Adesk::Int64 v) {
-  if (status_ != Acad::eOk) return status_;
-  DxfItem it;
-  it.code = code;
-  it.kind = DxfItem::Int;
+  DxfItem it{code, DxfItem::Int};
   it.i = v;
-  items_.push_back(std::move(it));
-  return Acad::eOk;
+  return add(std::move(it));
 }
 
 Acad::ErrorStatus MemoryDxfFiler::writeDouble(int code, double v, int) {
-  if (status_ != Acad::eOk) return status_;
-  DxfItem it;
-  it.code = code;
-  it.kind = DxfItem::Real;
+  DxfItem it{code, DxfItem::Real};
   it.p[0] = v;
-  items_.push_back(std::move(it));
-  return Acad::eOk;
+  return add(std::move(it));
 }
 
 Acad::ErrorStatus MemoryDxfFiler::writePoint3d(int code, const AcGePoint3d& p, int) {
-  if (status_ != Acad::eOk) return status_;
-  DxfItem it;
-  it.code = code;
-  it.kind = DxfItem::Point;
+  DxfItem it{code, DxfItem::Point};
   it.p[0] = p.x;
   it.p[1] = p.y;
   it.p[2] = p.z;
-  items_.push_back(std::move(it));
-  return Acad::eOk;
+  return add(std::move(it));
 }
 
 Acad::ErrorStatus MemoryDxfFiler::writeObjectId(int code, const AcDbObjectId& id) {
-  if (status_ != Acad::eOk) return status_;
-  DxfItem it;
-  it.code = code;
-  it.kind = DxfItem::Id;
+  DxfItem it{code, DxfItem::Id};
   it.id = id;
-  items_.push_back(std::move(it));
-  return Acad::eOk;
+  return add(std::move(it));
 }
 
 Acad::ErrorStatus MemoryDxfFiler::writeHandle(int code, const AcDbHandle& h) {
-  if (status_ != Acad::eOk) return status_;
-  DxfItem it;
-  it.code = code;
-  it.kind = DxfItem::Handle;
+  DxfItem it{code, DxfItem::Handle};
   it.handle = h;
-  items_.push_back(std::move(it));
-  return Acad::eOk;
+  return add(std::move(it));
 }
 
 Acad::ErrorStatus MemoryDxfFiler::writeBinaryChunk(int code, const std::string& bytes) {
-  if (status_ != Acad::eOk) return status_;
-  DxfItem it;
-  it.code = code;
-  it.kind = DxfItem::Binary;
+  DxfItem it{code, DxfItem::Binary};
   it.b = bytes;
-  items_.push_back(std::move(it));
-  return Acad::eOk;
+  return add(std::move(it));
 }
 
 }  // namespace zepk::db

@@ -170,6 +170,7 @@ class MemoryDxfFiler : public AcDbDxfFiler {
   size_t pos_ = 0;
   Acad::ErrorStatus status_ = Acad::eOk;
   ACHAR* lastString_ = nullptr;  // the string of the last readItem
+  Acad::ErrorStatus add(DxfItem item);
 };
 
 }  // namespace zepk::db

@@ -125,7 +125,8 @@ struct CallNodeN : Node {
   Value eval(Interp& in) const override { return call(in, std::make_index_sequence<N>{}); }
 };
 
-// A call of whatever the head symbol names when it runs.
+// A call of whatever the head symbol names when it runs, with more
+// arguments than the fixed forms take: they go on the argument stack.
 struct CallNode : Node {
   Value form;
   Symbol* head;
@@ -133,47 +134,30 @@ struct CallNode : Node {
   Value eval(Interp& in) const override {
     const Value& fv = head->value;
     Tag t = fv.tag();
-    if (t == Tag::Subr && !fv.as<Subr>()->special) {
-      Subr* s = fv.as<Subr>();  // built-ins live as long as the interpreter
-      Value*& top = EvalAccess::argTop(in);
-      Value* base = top;
-      struct Pop {
-        Value*& top;
-        Value* base;
-        ~Pop() {
-          while (top > base) (--top)->~Value();
-        }
-      } pop{top, base};
-      if (EvalAccess::argEnd(in) - top < static_cast<ptrdiff_t>(args.size())) in.fail(std::u16string_view(kStackLimit));
-      for (const Operand& a : args) {
-        Value v = a.eval(in);
-        new (top) Value(std::move(v));
-        ++top;
-      }
-      return s->fn(in, ArgSpan{base, args.size()});
+    if (t != Tag::Usubr && (t != Tag::Subr || fv.as<Subr>()->special)) {
+      // Anything else (a special form bound to a new name, a compiled
+      // function, a lambda list, an error) goes the ordinary way.
+      return EvalAccess::evalForm(in, form);
     }
-    if (t == Tag::Usubr) {
-      Value fn = fv;  // the symbol may be rebound while arguments are evaluated
-      Value*& top = EvalAccess::argTop(in);
-      Value* base = top;
-      struct Pop {
-        Value*& top;
-        Value* base;
-        ~Pop() {
-          while (top > base) (--top)->~Value();
-        }
-      } pop{top, base};
-      if (EvalAccess::argEnd(in) - top < static_cast<ptrdiff_t>(args.size())) in.fail(std::u16string_view(kStackLimit));
-      for (const Operand& a : args) {
-        Value v = a.eval(in);
-        new (top) Value(std::move(v));
-        ++top;
+    Value fn = fv;  // the symbol may be rebound while arguments are evaluated
+    Value*& top = EvalAccess::argTop(in);
+    Value* base = top;
+    struct Pop {
+      Value*& top;
+      Value* base;
+      ~Pop() {
+        while (top > base) (--top)->~Value();
       }
-      return EvalAccess::callUsubr(in, fn.as<Usubr>(), ArgSpan{base, args.size()});
+    } pop{top, base};
+    if (EvalAccess::argEnd(in) - top < static_cast<ptrdiff_t>(args.size())) in.fail(std::u16string_view(kStackLimit));
+    for (const Operand& a : args) {
+      Value v = a.eval(in);
+      new (top) Value(std::move(v));
+      ++top;
     }
-    // Anything else (a special form bound to a new name, a compiled
-    // function, a lambda list, an error) goes the ordinary way.
-    return EvalAccess::evalForm(in, form);
+    ArgSpan span{base, args.size()};
+    if (t == Tag::Subr) return fn.as<Subr>()->fn(in, span);
+    return EvalAccess::callUsubr(in, fn.as<Usubr>(), span);
   }
 };
 

@@ -19,10 +19,10 @@ void formCount(Interp& in, const Value& forms, size_t min, size_t max) {
 }
 
 // Parses (a b / c d) into parameters and locals.
-void parseParams(Interp& in, const Value& spec, Usubr* u) {
-  if (!spec.isList()) in.badType("listp", spec);
+void parseParams(Interp& in, const Value& paramList, Usubr* u) {
+  if (!paramList.isList()) in.badType("listp", paramList);
   bool locals = false;
-  for (const Value* p = &spec; p->isCons(); p = &p->as<Cons>()->cdr) {
+  for (const Value* p = &paramList; p->isCons(); p = &p->as<Cons>()->cdr) {
     const Value& s = p->as<Cons>()->car;
     if (!s.isSym()) in.badType("symbolp", s);
     if (s.asSym()->name == "/") {
@@ -34,11 +34,11 @@ void parseParams(Interp& in, const Value& spec, Usubr* u) {
   }
 }
 
-Value makeUsubr(Interp& in, std::string name, const Value& spec, const Value& body) {
+Value makeUsubr(Interp& in, std::string name, const Value& paramList, const Value& body) {
   auto* u = new Usubr;
   Value keep = Value::obj(u);
   u->name = std::move(name);
-  parseParams(in, spec, u);
+  parseParams(in, paramList, u);
   u->body = body;
   return keep;
 }

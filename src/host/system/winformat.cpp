@@ -260,7 +260,7 @@ size_t boundedLength(const char16_t* s, int maxUnits) {
 
 enum class Size { kDefault, kChar, kShort, kLong, kWide, k32, k64 };
 
-struct Spec {
+struct Conversion {
   bool left = false, plus = false, space = false, alt = false, zero = false;
   int width = 0;
   int precision = -1;
@@ -281,8 +281,8 @@ class Engine {
         continue;
       }
       const Ch* start = p++;
-      Spec s;
-      parseSpec(p, s);
+      Conversion s;
+      parseConversion(p, s);
       const Ch c = *p;
       if (c == Ch{}) {  // the format ended inside a conversion: print it as written
         out_.append(start, p);
@@ -307,7 +307,7 @@ class Engine {
     return static_cast<int>(v);
   }
 
-  void parseSpec(const Ch*& p, Spec& s) {
+  void parseConversion(const Ch*& p, Conversion& s) {
     for (;; ++p) {
       if (*p == Ch('-')) s.left = true;
       else if (*p == Ch('+')) s.plus = true;
@@ -368,7 +368,7 @@ class Engine {
   }
 
   // Writes prefix + body into width; count is what the width measures body by.
-  void emit(const Str<Ch>& prefix, const Str<Ch>& body, size_t count, const Spec& s) {
+  void emit(const Str<Ch>& prefix, const Str<Ch>& body, size_t count, const Conversion& s) {
     const size_t used = prefix.size() + count;
     const size_t pad = static_cast<size_t>(s.width) > used ? static_cast<size_t>(s.width) - used : 0;
     if (!s.left && !s.zero) out_.append(pad, Ch(' '));
@@ -377,9 +377,9 @@ class Engine {
     out_.append(body);
     if (s.left) out_.append(pad, Ch(' '));
   }
-  void emit(const Str<Ch>& body, const Spec& s) { emit({}, body, body.size(), s); }
+  void emit(const Str<Ch>& body, const Conversion& s) { emit({}, body, body.size(), s); }
 
-  bool convert(char32_t c, const Spec& s) {
+  bool convert(char32_t c, const Conversion& s) {
     switch (c) {
       case '%': out_.push_back(Ch('%')); return true;
       case 'd': case 'i': formatSigned(s); return true;
@@ -400,13 +400,13 @@ class Engine {
 
   // Whether a c/s argument is narrow. Upper-case C/S name the other width
   // than the format's own; h forces narrow, l and w force wide.
-  bool isNarrowArg(const Spec& s, bool upperCase) const {
+  bool isNarrowArg(const Conversion& s, bool upperCase) const {
     if (s.size == Size::kShort || s.size == Size::kChar) return true;
     if (s.size == Size::kLong || s.size == Size::kWide || s.size == Size::k64) return false;
     return kWideFormat == upperCase;
   }
 
-  void formatSigned(const Spec& s) {
+  void formatSigned(const Conversion& s) {
     long long v;
     switch (s.size) {
       case Size::k64: v = va_arg(ap_, long long); break;
@@ -422,7 +422,7 @@ class Engine {
     formatInteger(s, magnitude, prefix, 10, false);
   }
 
-  void formatUnsigned(const Spec& s, int radix, bool upper) {
+  void formatUnsigned(const Conversion& s, int radix, bool upper) {
     unsigned long long v;
     switch (s.size) {
       case Size::k64: v = va_arg(ap_, unsigned long long); break;
@@ -435,16 +435,16 @@ class Engine {
     formatInteger(s, v, prefix, radix, upper);
   }
 
-  void formatPointer(const Spec& s) {
+  void formatPointer(const Conversion& s) {
     const auto v = reinterpret_cast<uintptr_t>(va_arg(ap_, void*));
-    Spec ps = s;
+    Conversion ps = s;
     ps.precision = 16;
     std::string prefix;
     if (s.alt && v != 0) prefix = "0X";
     formatInteger(ps, v, prefix, 16, true);
   }
 
-  void formatInteger(Spec s, unsigned long long v, const std::string& prefix, int radix, bool upper) {
+  void formatInteger(Conversion s, unsigned long long v, const std::string& prefix, int radix, bool upper) {
     int precision = 1;
     if (s.precision >= 0) {
       s.zero = false;
@@ -460,7 +460,7 @@ class Engine {
     emit(widen<Ch>(prefix), body, body.size(), s);
   }
 
-  void formatFloat(const Spec& s, char conv) {
+  void formatFloat(const Conversion& s, char conv) {
     const double v = va_arg(ap_, double);
     const Mantissa m = toMantissa(v);
     std::string prefix;
@@ -471,7 +471,7 @@ class Engine {
     emit(widen<Ch>(prefix), body, body.size(), s);
   }
 
-  void formatChar(const Spec& s, bool wideArg) {
+  void formatChar(const Conversion& s, bool wideArg) {
     const int v = va_arg(ap_, int);
     Str<Ch> body;
     if constexpr (kWideFormat) {
@@ -492,7 +492,7 @@ class Engine {
     emit(body, s);
   }
 
-  void formatString(const Spec& s, bool wideArg) {
+  void formatString(const Conversion& s, bool wideArg) {
     if (wideArg) {
       const char16_t* w = va_arg(ap_, const char16_t*);
       if (w == nullptr) w = u"(null)";
