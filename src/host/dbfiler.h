@@ -140,7 +140,8 @@ class AcDbDxfFiler : public AcRxObject {
   Acad::ErrorStatus writeReal(int code, double v, int prec = AcDb::kDfltPrec) { return writeDouble(code, v, prec); }
   Acad::ErrorStatus writeAngle(int code, double v, int prec = AcDb::kDfltPrec) { return writeDouble(code, v, prec); }
   virtual Acad::ErrorStatus writePoint3d(int code, const AcGePoint3d& p, int prec = AcDb::kDfltPrec) = 0;
-  Acad::ErrorStatus writePoint2d(int code, const AcGePoint2d& p, int prec = AcDb::kDfltPrec) {
+  // A point of two coordinates: files write it without a z group.
+  virtual Acad::ErrorStatus writePoint2d(int code, const AcGePoint2d& p, int prec = AcDb::kDfltPrec) {
     return writePoint3d(code, AcGePoint3d(p.x, p.y, 0.0), prec);
   }
   Acad::ErrorStatus writeVector3d(int code, const AcGeVector3d& v, int prec = AcDb::kDfltPrec) {

@@ -159,6 +159,14 @@ Acad::ErrorStatus MemoryDxfFiler::writePoint3d(int code, const AcGePoint3d& p, i
   return add(std::move(it));
 }
 
+Acad::ErrorStatus MemoryDxfFiler::writePoint2d(int code, const AcGePoint2d& p, int) {
+  DxfItem it{code, DxfItem::Point};
+  it.p[0] = p.x;
+  it.p[1] = p.y;
+  it.dims = 2;
+  return add(std::move(it));
+}
+
 Acad::ErrorStatus MemoryDxfFiler::writeObjectId(int code, const AcDbObjectId& id) {
   DxfItem it{code, DxfItem::Id};
   it.id = id;

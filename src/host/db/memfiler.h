@@ -118,6 +118,7 @@ struct DxfItem {
   double p[3] = {0, 0, 0};  // a real in p[0]
   AcDbObjectId id;
   AcDbHandle handle;
+  int dims = 3;  // a point's coordinates in a file: 2 (x, y) or 3
 };
 
 class MemoryDxfFiler : public AcDbDxfFiler {
@@ -159,6 +160,7 @@ class MemoryDxfFiler : public AcDbDxfFiler {
   Acad::ErrorStatus writeInt64(int code, Adesk::Int64 v) override;
   Acad::ErrorStatus writeDouble(int code, double v, int prec = AcDb::kDfltPrec) override;
   Acad::ErrorStatus writePoint3d(int code, const AcGePoint3d& p, int prec = AcDb::kDfltPrec) override;
+  Acad::ErrorStatus writePoint2d(int code, const AcGePoint2d& p, int prec = AcDb::kDfltPrec) override;
   Acad::ErrorStatus writeObjectId(int code, const AcDbObjectId& id) override;
   Acad::ErrorStatus writeHandle(int code, const AcDbHandle& h) override;
   Acad::ErrorStatus writeBinaryChunk(int code, const std::string& bytes) override;
