@@ -62,6 +62,12 @@ enum ErrorStatus : int {
   eNotAnEntity = 70,
   eNotAllowedForThisProxy = 71,
   eMakeMeProxy = 301,
+  // Symbol tables: a record whose name the table has already, a name with
+  // characters that names may not hold, a record the drawing cannot do
+  // without (layer "0", the standard linetypes, the two spaces).
+  eDuplicateRecordName = 401,
+  eInvalidSymbolTableName = 402,
+  eCannotBeErasedByCaller = 403,
 };
 
 }  // namespace Acad

@@ -22,6 +22,16 @@
 
 class AcDbObject;
 class AcDbDatabase;
+class AcDbDictionary;
+class AcDbBlockTable;
+class AcDbLayerTable;
+class AcDbTextStyleTable;
+class AcDbLinetypeTable;
+class AcDbViewTable;
+class AcDbUCSTable;
+class AcDbViewportTable;
+class AcDbRegAppTable;
+class AcDbDimStyleTable;
 
 // A reactor that code attaches to an object for the session (not saved).
 class AcDbObjectReactor : public AcRxObject {
@@ -213,7 +223,14 @@ class AcDbObjectPointer {
 class AcDbDatabase : public AcRxObject {
  public:
   ACRX_DECLARE_MEMBERS(AcDbDatabase);
+  // An empty database: no tables, no named objects; a drawing is read into
+  // it or built in it.
   AcDbDatabase();
+  // With buildDefaultDrawing, the database holds what a new drawing holds
+  // (the nine symbol tables with their standard records, the two spaces
+  // with their layouts, the named objects dictionary); without, it is
+  // empty as above.
+  explicit AcDbDatabase(bool buildDefaultDrawing, bool noDocument = false);
   ~AcDbDatabase() override;
   AcDbDatabase(const AcDbDatabase&) = delete;
   AcDbDatabase& operator=(const AcDbDatabase&) = delete;
@@ -244,6 +261,54 @@ class AcDbDatabase : public AcRxObject {
   bool undoBack();
   int undoMarkCount() const;
 
+  // The drawing's roots: its symbol tables and its named objects
+  // dictionary, null in a database that has none (see host/dbsymtb.h and
+  // host/dbdict.h). The get functions open them; a missing one gives
+  // eNullObjectId.
+  AcDbObjectId blockTableId() const { return roots_[kRootBlockTable]; }
+  AcDbObjectId layerTableId() const { return roots_[kRootLayerTable]; }
+  AcDbObjectId textStyleTableId() const { return roots_[kRootTextStyleTable]; }
+  AcDbObjectId linetypeTableId() const { return roots_[kRootLinetypeTable]; }
+  AcDbObjectId viewTableId() const { return roots_[kRootViewTable]; }
+  AcDbObjectId UCSTableId() const { return roots_[kRootUcsTable]; }
+  AcDbObjectId viewportTableId() const { return roots_[kRootViewportTable]; }
+  AcDbObjectId regAppTableId() const { return roots_[kRootRegAppTable]; }
+  AcDbObjectId dimStyleTableId() const { return roots_[kRootDimStyleTable]; }
+  AcDbObjectId namedObjectsDictionaryId() const { return roots_[kRootNamedObjects]; }
+  // Entries of the named objects dictionary (null when missing).
+  AcDbObjectId groupDictionaryId() const;
+  AcDbObjectId layoutDictionaryId() const;
+  AcDbObjectId mLStyleDictionaryId() const;
+  AcDbObjectId plotStyleNameDictionaryId() const;
+  Acad::ErrorStatus getBlockTable(AcDbBlockTable*& table, AcDb::OpenMode mode = AcDb::kForRead);
+  Acad::ErrorStatus getLayerTable(AcDbLayerTable*& table, AcDb::OpenMode mode = AcDb::kForRead);
+  Acad::ErrorStatus getTextStyleTable(AcDbTextStyleTable*& table, AcDb::OpenMode mode = AcDb::kForRead);
+  Acad::ErrorStatus getLinetypeTable(AcDbLinetypeTable*& table, AcDb::OpenMode mode = AcDb::kForRead);
+  Acad::ErrorStatus getViewTable(AcDbViewTable*& table, AcDb::OpenMode mode = AcDb::kForRead);
+  Acad::ErrorStatus getUCSTable(AcDbUCSTable*& table, AcDb::OpenMode mode = AcDb::kForRead);
+  Acad::ErrorStatus getViewportTable(AcDbViewportTable*& table, AcDb::OpenMode mode = AcDb::kForRead);
+  Acad::ErrorStatus getRegAppTable(AcDbRegAppTable*& table, AcDb::OpenMode mode = AcDb::kForRead);
+  Acad::ErrorStatus getDimStyleTable(AcDbDimStyleTable*& table, AcDb::OpenMode mode = AcDb::kForRead);
+  Acad::ErrorStatus getSymbolTable(AcDbBlockTable*& t, AcDb::OpenMode m = AcDb::kForRead) { return getBlockTable(t, m); }
+  Acad::ErrorStatus getSymbolTable(AcDbLayerTable*& t, AcDb::OpenMode m = AcDb::kForRead) { return getLayerTable(t, m); }
+  Acad::ErrorStatus getSymbolTable(AcDbTextStyleTable*& t, AcDb::OpenMode m = AcDb::kForRead) { return getTextStyleTable(t, m); }
+  Acad::ErrorStatus getSymbolTable(AcDbLinetypeTable*& t, AcDb::OpenMode m = AcDb::kForRead) { return getLinetypeTable(t, m); }
+  Acad::ErrorStatus getSymbolTable(AcDbViewTable*& t, AcDb::OpenMode m = AcDb::kForRead) { return getViewTable(t, m); }
+  Acad::ErrorStatus getSymbolTable(AcDbUCSTable*& t, AcDb::OpenMode m = AcDb::kForRead) { return getUCSTable(t, m); }
+  Acad::ErrorStatus getSymbolTable(AcDbViewportTable*& t, AcDb::OpenMode m = AcDb::kForRead) { return getViewportTable(t, m); }
+  Acad::ErrorStatus getSymbolTable(AcDbRegAppTable*& t, AcDb::OpenMode m = AcDb::kForRead) { return getRegAppTable(t, m); }
+  Acad::ErrorStatus getSymbolTable(AcDbDimStyleTable*& t, AcDb::OpenMode m = AcDb::kForRead) { return getDimStyleTable(t, m); }
+  Acad::ErrorStatus getNamedObjectsDictionary(AcDbDictionary*& dict, AcDb::OpenMode mode = AcDb::kForRead);
+  Acad::ErrorStatus getGroupDictionary(AcDbDictionary*& dict, AcDb::OpenMode mode = AcDb::kForRead);
+  Acad::ErrorStatus getLayoutDictionary(AcDbDictionary*& dict, AcDb::OpenMode mode = AcDb::kForRead);
+
+  // Used by the new drawing and the file reader: which object is which root.
+  enum Root {
+    kRootBlockTable, kRootLayerTable, kRootTextStyleTable, kRootLinetypeTable, kRootViewTable,
+    kRootUcsTable, kRootViewportTable, kRootRegAppTable, kRootDimStyleTable, kRootNamedObjects, kRootCount
+  };
+  void setRootId(Root which, AcDbObjectId id) { roots_[which] = id; }
+
  private:
   friend class AcDbObject;
   friend struct AcDbObjectAccess;
@@ -251,6 +316,7 @@ class AcDbDatabase : public AcRxObject {
   AcDbStub* newStub(AcDbHandle h);
   std::unique_ptr<Impl> impl_;
   AcDbHandle handseed_{1};
+  AcDbObjectId roots_[kRootCount];
 };
 
 // One object record of a database; an AcDbObjectId points to it.

@@ -1,5 +1,6 @@
 // The database's own classes, registered together when the class
 // dictionary is first used, parents before children.
+#include "host/db/dbobjects.h"
 #include "host/db/internal.h"
 
 namespace zepk::db {
@@ -9,6 +10,7 @@ void registerHostClasses() {
   AcRxClass::desc();
   AcDbObject::desc();
   AcDbDatabase::desc();
+  registerObjectClasses();
 }
 
 }  // namespace zepk::db

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "host/db/internal.h"
+#include "host/dbdict.h"
 #include "host/dbmain.h"
 
 using zepk::db::MemoryDwgFiler;
@@ -399,10 +400,27 @@ bool AcDbObject::hasPersistentReactor(AcDbObjectId id) const {
   return std::find(persistentReactors_.begin(), persistentReactors_.end(), id) != persistentReactors_.end();
 }
 
+// The extension dictionary is the object's own: a dictionary that owns
+// its entries hard, owned by the object and watching it, as drawings keep
+// them. An object that has one keeps it.
 Acad::ErrorStatus AcDbObject::createExtensionDictionary() {
-  // Extension dictionaries are dictionaries; until the dictionary class is
-  // in the database, no object can have one.
-  return Acad::eNotImplementedYet;
+  if (!extDict_.isNull() && !extDict_.isErased()) return Acad::eOk;
+  if (!stub_ || !stub_->db) return Acad::eNotInDatabase;
+  if (mode_ != Mode::Write) return Acad::eNotOpenForWrite;
+  auto* dict = new AcDbDictionary;
+  dict->setTreatElementsAsHard(true);
+  AcDbObjectId id;
+  Acad::ErrorStatus es = stub_->db->addAcDbObject(id, dict);
+  if (es != Acad::eOk) {
+    delete dict;
+    return es;
+  }
+  dict->setOwnerId(objectId());
+  dict->addPersistentReactor(objectId());
+  dict->close();
+  assertWriteEnabled();
+  extDict_ = id;
+  return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbObject::releaseExtensionDictionary() {

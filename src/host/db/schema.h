@@ -199,9 +199,10 @@ void readDwgValue(AcDbDwgFiler* f, FieldType type, T* v) {
 
 template <class T>
 bool sameValue(const T& a, const T& b) {
-  if constexpr (std::is_same_v<T, AcGePoint2d> || std::is_same_v<T, AcGePoint3d> ||
-                std::is_same_v<T, AcGeVector3d>) {
-    return a.x == b.x && a.y == b.y && (!requires { a.z; } || a.z == b.z);
+  if constexpr (std::is_same_v<T, AcGePoint2d>) {
+    return a.x == b.x && a.y == b.y;
+  } else if constexpr (std::is_same_v<T, AcGePoint3d> || std::is_same_v<T, AcGeVector3d>) {
+    return a.x == b.x && a.y == b.y && a.z == b.z;
   } else {
     return a == b;
   }
