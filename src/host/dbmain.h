@@ -155,6 +155,9 @@ class AcDbObject : public AcRxObject {
   mutable std::vector<AcDbObjectReactor*> reactors_;
   // Extended data: 1001 application nodes each followed by its groups.
   resbuf* xdata_ = nullptr;
+  // Application data groups as a file gave them (102 "{NAME", its groups,
+  // 102 "}"), written back in their place.
+  resbuf* appData_ = nullptr;
   Mode mode_ = Mode::Closed;
   int readers_ = 0;
   bool notifying_ = false;

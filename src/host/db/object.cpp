@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "host/db/internal.h"
+#include "host/dxf/group.h"
 #include "host/dbdict.h"
 #include "host/dbmain.h"
 
@@ -59,6 +60,33 @@ resbuf* copyChain(const resbuf* rb) {
   return head;
 }
 
+// A copy of one group as a DXF filer gives it, with its text or bytes
+// copied; null for a group whose kind of value is not known.
+resbuf* copyGroup(const resbuf& rb) {
+  const int code = rb.restype;
+  using zepk::dxf::GroupType;
+  const GroupType type = zepk::dxf::groupType(code);
+  if (type == GroupType::Unknown) return nullptr;
+  resbuf* n = acutNewRb(code);
+  if (!n) return nullptr;
+  n->resval = rb.resval;
+  const bool text = type == GroupType::String || code == 5 || code == 105 || code == 1005;
+  if (text) {
+    const ACHAR* s = rb.resval.rstring ? rb.resval.rstring : u"";
+    size_t len = 0;
+    while (s[len]) ++len;
+    n->resval.rstring = static_cast<ACHAR*>(std::malloc((len + 1) * sizeof(ACHAR)));
+    std::memcpy(n->resval.rstring, s, (len + 1) * sizeof(ACHAR));
+  } else if (type == GroupType::Binary) {
+    n->resval.rbinary.buf = nullptr;
+    if (rb.resval.rbinary.buf && rb.resval.rbinary.clen > 0) {
+      n->resval.rbinary.buf = static_cast<char*>(std::malloc(rb.resval.rbinary.clen));
+      std::memcpy(n->resval.rbinary.buf, rb.resval.rbinary.buf, rb.resval.rbinary.clen);
+    }
+  }
+  return n;
+}
+
 bool sameApp(const resbuf* rb, const ACHAR* app) {
   if (!rb || rb->restype != 1001 || !rb->resval.rstring || !app) return false;
   const ACHAR* a = rb->resval.rstring;
@@ -97,6 +125,7 @@ AcDbObject::AcDbObject() = default;
 AcDbObject::~AcDbObject() {
   for (AcDbObjectReactor* r : std::vector<AcDbObjectReactor*>(reactors_)) r->goodbye(this);
   acutRelRb(xdata_);
+  acutRelRb(appData_);
   if (stub_ && stub_->object == this) stub_->object = nullptr;
 }
 
@@ -460,6 +489,27 @@ Acad::ErrorStatus AcDbObject::dwgOutFields(AcDbDwgFiler* f) const {
       f->writeInt32(p->resval.rlong);
     }
   }
+  // Application data: each group as its code and its value through the
+  // memory DXF filer's own kinds.
+  zepk::db::MemoryDxfFiler appData;
+  for (const resbuf* p = appData_; p; p = p->rbnext) appData.writeItem(*p);
+  f->writeInt32(static_cast<Adesk::Int32>(appData.items().size()));
+  for (const zepk::db::DxfItem& it : appData.items()) {
+    f->writeInt16(static_cast<Adesk::Int16>(it.code));
+    f->writeInt16(static_cast<Adesk::Int16>(it.kind));
+    switch (it.kind) {
+      case zepk::db::DxfItem::String: f->writeString(it.s); break;
+      case zepk::db::DxfItem::Int: f->writeInt64(it.i); break;
+      case zepk::db::DxfItem::Real: f->writeDouble(it.p[0]); break;
+      case zepk::db::DxfItem::Point: f->writePoint3d(AcGePoint3d(it.p[0], it.p[1], it.p[2])); break;
+      case zepk::db::DxfItem::Id: f->writeSoftPointerId(it.id); break;
+      case zepk::db::DxfItem::Handle: f->writeHandle(it.handle); break;
+      case zepk::db::DxfItem::Binary:
+        f->writeInt32(static_cast<Adesk::Int32>(it.b.size()));
+        f->writeBytes(it.b.data(), it.b.size());
+        break;
+    }
+  }
   return f->filerStatus();
 }
 
@@ -510,6 +560,49 @@ Acad::ErrorStatus AcDbObject::dwgInFields(AcDbDwgFiler* f) {
     *tail = rb;
     tail = &rb->rbnext;
   }
+  acutRelRb(appData_);
+  appData_ = nullptr;
+  Adesk::Int32 groups = 0;
+  f->readInt32(&groups);
+  zepk::db::MemoryDxfFiler appData;
+  for (Adesk::Int32 i = 0; i < groups && f->filerStatus() == Acad::eOk; ++i) {
+    Adesk::Int16 code = 0, kind = 0;
+    f->readInt16(&code);
+    f->readInt16(&kind);
+    zepk::db::DxfItem it;
+    it.code = code;
+    it.kind = static_cast<zepk::db::DxfItem::Kind>(kind);
+    switch (it.kind) {
+      case zepk::db::DxfItem::String: f->readString(&it.s); break;
+      case zepk::db::DxfItem::Int: f->readInt64(&it.i); break;
+      case zepk::db::DxfItem::Real: f->readDouble(&it.p[0]); break;
+      case zepk::db::DxfItem::Point: {
+        AcGePoint3d pt;
+        f->readPoint3d(&pt);
+        it.p[0] = pt.x, it.p[1] = pt.y, it.p[2] = pt.z;
+        break;
+      }
+      case zepk::db::DxfItem::Id: f->readSoftPointerId(&it.id); break;
+      case zepk::db::DxfItem::Handle: f->readHandle(&it.handle); break;
+      case zepk::db::DxfItem::Binary: {
+        Adesk::Int32 size = 0;
+        f->readInt32(&size);
+        it.b.resize(size > 0 ? static_cast<size_t>(size) : 0);
+        if (size > 0) f->readBytes(it.b.data(), it.b.size());
+        break;
+      }
+      default: return Acad::eFilerError;
+    }
+    appData.items().push_back(std::move(it));
+  }
+  resbuf** appTail = &appData_;
+  resbuf rbItem;
+  while (appData.readItem(&rbItem) == Acad::eOk) {
+    if (resbuf* n = copyGroup(rbItem)) {
+      *appTail = n;
+      appTail = &n->rbnext;
+    }
+  }
   return f->filerStatus();
 }
 
@@ -519,6 +612,7 @@ Acad::ErrorStatus AcDbObject::dwgInFields(AcDbDwgFiler* f) {
 // the object as a whole (the file writer, entget); extended data (1001...)
 // comes after all class data, written by the same.
 Acad::ErrorStatus AcDbObject::dxfOutFields(AcDbDxfFiler* f) const {
+  for (const resbuf* p = appData_; p; p = p->rbnext) f->writeItem(*p);
   if (!persistentReactors_.empty()) {
     f->writeString(102, u"{ACAD_REACTORS");
     for (const AcDbObjectId& id : persistentReactors_) f->writeObjectId(330, id);
@@ -535,6 +629,15 @@ Acad::ErrorStatus AcDbObject::dxfOutFields(AcDbDxfFiler* f) const {
 
 Acad::ErrorStatus AcDbObject::dxfInFields(AcDbDxfFiler* f) {
   persistentReactors_.clear();
+  acutRelRb(appData_);
+  appData_ = nullptr;
+  resbuf** appTail = &appData_;
+  auto keep = [&appTail](const resbuf& g) {
+    if (resbuf* n = copyGroup(g)) {
+      *appTail = n;
+      appTail = &n->rbnext;
+    }
+  };
   resbuf rb;
   for (;;) {
     Acad::ErrorStatus es = f->readItem(&rb);
@@ -542,11 +645,15 @@ Acad::ErrorStatus AcDbObject::dxfInFields(AcDbDxfFiler* f) {
     if (es != Acad::eOk) return es;
     if (rb.restype == 102 && rb.resval.rstring) {
       std::u16string tag = rb.resval.rstring;
-      // Groups up to the closing "}"; reactors and the dictionary are kept,
-      // anything else in braces is skipped.
+      // Groups up to the closing "}"; reactors and the dictionary are the
+      // object's, any other group in braces is an application's data, kept
+      // as it is.
+      const bool appData = tag != u"{ACAD_REACTORS" && tag != u"{ACAD_XDICTIONARY";
+      if (appData) keep(rb);
       for (;;) {
         es = f->readItem(&rb);
         if (es != Acad::eOk) return es == Acad::eEndOfFile ? Acad::eBadDxfSequence : es;
+        if (appData) keep(rb);
         if (rb.restype == 102) break;
         AcDbObjectId id;
         id.setFromOldId(static_cast<intptr_t>(rb.resval.rlname[0]));
