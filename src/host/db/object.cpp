@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "host/db/dbobjects.h"
 #include "host/db/internal.h"
 #include "host/dxf/group.h"
 #include "host/dbdict.h"
@@ -489,27 +490,10 @@ Acad::ErrorStatus AcDbObject::dwgOutFields(AcDbDwgFiler* f) const {
       f->writeInt32(p->resval.rlong);
     }
   }
-  // Application data: each group as its code and its value through the
-  // memory DXF filer's own kinds.
+  // Application data: its groups as the memory DXF filer holds them.
   zepk::db::MemoryDxfFiler appData;
   for (const resbuf* p = appData_; p; p = p->rbnext) appData.writeItem(*p);
-  f->writeInt32(static_cast<Adesk::Int32>(appData.items().size()));
-  for (const zepk::db::DxfItem& it : appData.items()) {
-    f->writeInt16(static_cast<Adesk::Int16>(it.code));
-    f->writeInt16(static_cast<Adesk::Int16>(it.kind));
-    switch (it.kind) {
-      case zepk::db::DxfItem::String: f->writeString(it.s); break;
-      case zepk::db::DxfItem::Int: f->writeInt64(it.i); break;
-      case zepk::db::DxfItem::Real: f->writeDouble(it.p[0]); break;
-      case zepk::db::DxfItem::Point: f->writePoint3d(AcGePoint3d(it.p[0], it.p[1], it.p[2])); break;
-      case zepk::db::DxfItem::Id: f->writeSoftPointerId(it.id); break;
-      case zepk::db::DxfItem::Handle: f->writeHandle(it.handle); break;
-      case zepk::db::DxfItem::Binary:
-        f->writeInt32(static_cast<Adesk::Int32>(it.b.size()));
-        f->writeBytes(it.b.data(), it.b.size());
-        break;
-    }
-  }
+  zepk::db::writeDwgItems(f, appData.items());
   return f->filerStatus();
 }
 
@@ -562,39 +546,8 @@ Acad::ErrorStatus AcDbObject::dwgInFields(AcDbDwgFiler* f) {
   }
   acutRelRb(appData_);
   appData_ = nullptr;
-  Adesk::Int32 groups = 0;
-  f->readInt32(&groups);
   zepk::db::MemoryDxfFiler appData;
-  for (Adesk::Int32 i = 0; i < groups && f->filerStatus() == Acad::eOk; ++i) {
-    Adesk::Int16 code = 0, kind = 0;
-    f->readInt16(&code);
-    f->readInt16(&kind);
-    zepk::db::DxfItem it;
-    it.code = code;
-    it.kind = static_cast<zepk::db::DxfItem::Kind>(kind);
-    switch (it.kind) {
-      case zepk::db::DxfItem::String: f->readString(&it.s); break;
-      case zepk::db::DxfItem::Int: f->readInt64(&it.i); break;
-      case zepk::db::DxfItem::Real: f->readDouble(&it.p[0]); break;
-      case zepk::db::DxfItem::Point: {
-        AcGePoint3d pt;
-        f->readPoint3d(&pt);
-        it.p[0] = pt.x, it.p[1] = pt.y, it.p[2] = pt.z;
-        break;
-      }
-      case zepk::db::DxfItem::Id: f->readSoftPointerId(&it.id); break;
-      case zepk::db::DxfItem::Handle: f->readHandle(&it.handle); break;
-      case zepk::db::DxfItem::Binary: {
-        Adesk::Int32 size = 0;
-        f->readInt32(&size);
-        it.b.resize(size > 0 ? static_cast<size_t>(size) : 0);
-        if (size > 0) f->readBytes(it.b.data(), it.b.size());
-        break;
-      }
-      default: return Acad::eFilerError;
-    }
-    appData.items().push_back(std::move(it));
-  }
+  if (zepk::db::readDwgItems(f, &appData.items()) != Acad::eOk) return f->filerStatus();
   resbuf** appTail = &appData_;
   resbuf rbItem;
   while (appData.readItem(&rbItem) == Acad::eOk) {
