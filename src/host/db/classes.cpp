@@ -1,6 +1,7 @@
 // The database's own classes, registered together when the class
 // dictionary is first used, parents before children.
 #include "host/db/dbobjects.h"
+#include "host/db/ents_internal.h"
 #include "host/db/internal.h"
 
 namespace zepk::db {
@@ -11,6 +12,7 @@ void registerHostClasses() {
   AcDbObject::desc();
   AcDbDatabase::desc();
   registerObjectClasses();
+  registerEntityClasses();
 }
 
 }  // namespace zepk::db

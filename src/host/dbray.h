@@ -1,0 +1,25 @@
+// A ray: a line from a base point to infinity in one direction.
+#pragma once
+
+#include "host/dbents.h"
+
+class AcDbRay : public AcDbCurve {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbRay);
+  AcDbRay() = default;
+
+  AcGePoint3d basePoint() const { return basePoint_; }
+  Acad::ErrorStatus setBasePoint(const AcGePoint3d& p);
+  AcGeVector3d unitDir() const { return unitDir_; }
+  // The direction is stored as a unit vector; a zero vector is refused
+  // (eInvalidInput).
+  Acad::ErrorStatus setUnitDir(const AcGeVector3d& v);
+  AcGePoint3d secondPoint() const { return basePoint_ + unitDir_; }
+  Acad::ErrorStatus setSecondPoint(const AcGePoint3d& p) { return setUnitDir(p - basePoint_); }
+
+  ZEPK_DB_ENTITY_FILERS;
+
+ private:
+  AcGePoint3d basePoint_;
+  AcGeVector3d unitDir_ = AcGeVector3d(1, 0, 0);
+};
