@@ -3,6 +3,7 @@
 #include "host/db/dbobjects.h"
 #include "host/db/ents_internal.h"
 #include "host/db/internal.h"
+#include "host/dbproxy.h"
 
 namespace zepk::db {
 
@@ -13,6 +14,8 @@ void registerHostClasses() {
   AcDbDatabase::desc();
   registerObjectClasses();
   registerEntityClasses();
+  AcDbProxyObject::desc();
+  AcDbProxyEntity::desc();
 }
 
 }  // namespace zepk::db

@@ -1,0 +1,133 @@
+// Drawings as DXF files: the entry points, and what a database keeps from
+// its file beyond its objects (class records, sections the host does not
+// read).
+#include "host/db/dxffile.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <map>
+#include <mutex>
+#include <sstream>
+
+#include "host/db/dxfinternal.h"
+#include "host/dxf/writer.h"
+
+namespace zepk::db {
+
+namespace {
+
+// The file data of each database, dropped when the database goes.
+class FileDataStore : public AcDbDatabaseReactor {
+ public:
+  static DxfFileData& of(AcDbDatabase* db) {
+    std::lock_guard<std::mutex> lock(mutex());
+    auto& all = map();
+    auto it = all.find(db);
+    if (it != all.end()) return it->second->data;
+    auto* store = new FileDataStore;
+    all.emplace(db, store);
+    db->addReactor(store);
+    return store->data;
+  }
+  void goodbye(const AcDbDatabase* db) override {
+    {
+      std::lock_guard<std::mutex> lock(mutex());
+      map().erase(db);
+    }
+    delete this;
+  }
+  DxfFileData data;
+
+ private:
+  static std::mutex& mutex() {
+    static std::mutex m;
+    return m;
+  }
+  static std::map<const AcDbDatabase*, FileDataStore*>& map() {
+    static auto* m = new std::map<const AcDbDatabase*, FileDataStore*>;
+    return *m;
+  }
+};
+
+}  // namespace
+
+DxfFileData& dxfFileData(AcDbDatabase* db) { return FileDataStore::of(db); }
+
+std::optional<uint64_t> parseHandle(std::string_view text) {
+  while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
+  while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
+  if (text.empty() || text.size() > 16) return std::nullopt;
+  uint64_t v = 0;
+  for (char c : text) {
+    int d = (c >= '0' && c <= '9') ? c - '0' : (c >= 'a' && c <= 'f') ? c - 'a' + 10 : (c >= 'A' && c <= 'F') ? c - 'A' + 10 : -1;
+    if (d < 0) return std::nullopt;
+    v = (v << 4) | static_cast<uint64_t>(d);
+  }
+  return v;
+}
+
+std::string handleText(uint64_t value) {
+  static const char* digits = "0123456789ABCDEF";
+  if (value == 0) return "0";
+  std::string s;
+  for (uint64_t v = value; v; v >>= 4) s.insert(s.begin(), digits[v & 0xF]);
+  return s;
+}
+
+std::optional<std::string> hexToBytes(std::string_view text) {
+  if (text.size() % 2) return std::nullopt;
+  std::string out;
+  out.reserve(text.size() / 2);
+  auto digit = [](char c) {
+    return (c >= '0' && c <= '9') ? c - '0' : (c >= 'a' && c <= 'f') ? c - 'a' + 10 : (c >= 'A' && c <= 'F') ? c - 'A' + 10 : -1;
+  };
+  for (size_t i = 0; i < text.size(); i += 2) {
+    int hi = digit(text[i]), lo = digit(text[i + 1]);
+    if (hi < 0 || lo < 0) return std::nullopt;
+    out.push_back(static_cast<char>((hi << 4) | lo));
+  }
+  return out;
+}
+
+std::string bytesToHex(std::string_view bytes) {
+  static const char* digits = "0123456789ABCDEF";
+  std::string s;
+  s.reserve(bytes.size() * 2);
+  for (unsigned char b : bytes) {
+    s.push_back(digits[b >> 4]);
+    s.push_back(digits[b & 0xF]);
+  }
+  return s;
+}
+
+std::vector<DxfClassRecord>& dxfClassRecords(AcDbDatabase* db) { return dxfFileData(db).classes; }
+
+bool readDxf(const std::string& path, std::unique_ptr<AcDbDatabase>* out, std::string* error,
+             const DxfReadOptions& options) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) {
+    if (error) *error = "cannot read \"" + path + "\": " + std::strerror(errno);
+    return false;
+  }
+  std::ostringstream bytes;
+  bytes << in.rdbuf();
+  if (in.bad()) {
+    if (error) *error = "cannot read \"" + path + "\": a read error";
+    return false;
+  }
+  std::string err;
+  if (!readDxfBytes(bytes.str(), out, &err, options)) {
+    if (error) *error = path + ": " + err;
+    return false;
+  }
+  return true;
+}
+
+bool writeDxf(AcDbDatabase* db, const std::string& path, std::string* error) {
+  std::string bytes;
+  if (!writeDxfBytes(db, &bytes, error)) return false;
+  return dxf::writeFileAtomically(path, bytes, error);
+}
+
+}  // namespace zepk::db

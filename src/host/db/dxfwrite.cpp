@@ -1,0 +1,461 @@
+// Writing a database as an AC1032 (2018) DXF file, text in UTF-8.
+//
+//   HEADER    the drawing's header variables as kept, with $ACADVER
+//             "AC1032", $DWGCODEPAGE "ANSI_1252" and $HANDSEED the next
+//             free handle of the database
+//   CLASSES   the records the drawing came with, and records for classes of
+//             applications whose objects it holds
+//   TABLES    VPORT, LTYPE, LAYER, STYLE, VIEW, UCS, APPID, DIMSTYLE,
+//             BLOCK_RECORD, each TABLE with its records in table order
+//   BLOCKS    each block: its BLOCK, its entities, its ENDBLK (the two
+//             spaces' entities are in ENTITIES)
+//   ENTITIES  model space, then the paper space of the current sheet
+//   OBJECTS   the named objects dictionary, then every other object in
+//             handle order
+//   and the sections the drawing came with that the host does not read.
+//
+// Each object is its type (the DXF name of its class; a proxy's original
+// one), its handle, what its dxfOutFields gives (points as x, y, z groups,
+// references as the handles of the objects), and its extended data. A
+// polyline's vertices and a block reference's attributes follow it, closed
+// by their SEQEND.
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <set>
+
+#include "host/db/dbobjects.h"
+#include "host/db/dxfinternal.h"
+#include "host/db/internal.h"
+#include "host/dbdict.h"
+#include "host/dbents.h"
+#include "host/dbproxy.h"
+#include "host/dbsymtb.h"
+#include "host/dxf/writer.h"
+#include "host/system/utf.h"
+
+namespace zepk::db {
+
+namespace {
+
+using dxf::GroupWriter;
+
+// Classes of the host whose objects a file lists in CLASSES, with the
+// record a file gives them: C++ name, application, proxy flags, entity.
+struct StandardClass {
+  const char16_t* dxfName;
+  const char16_t* className;
+  const char16_t* appName;
+  int32_t flags;
+  bool entity;
+};
+constexpr StandardClass kStandardClasses[] = {
+    {u"ACDBDICTIONARYWDFLT", u"AcDbDictionaryWithDefault", u"ObjectDBX Classes", 0, false},
+    {u"DICTIONARYVAR", u"AcDbDictionaryVar", u"ObjectDBX Classes", 0, false},
+    {u"ACDBPLACEHOLDER", u"AcDbPlaceHolder", u"ObjectDBX Classes", 0, false},
+    {u"LAYOUT", u"AcDbLayout", u"ObjectDBX Classes", 0, false},
+    {u"SORTENTSTABLE", u"AcDbSortentsTable", u"ObjectDBX Classes", 0, false},
+    {u"IMAGE", u"AcDbRasterImage", u"ISM", 2175, true},
+    {u"IMAGEDEF", u"AcDbRasterImageDef", u"ISM", 0, false},
+    {u"IMAGEDEF_REACTOR", u"AcDbRasterImageDefReactor", u"ISM", 1, false},
+    {u"RASTERVARIABLES", u"AcDbRasterVariables", u"ISM", 0, false},
+};
+
+const char16_t* kHostApp = u"ZEPK host";
+
+class Writer {
+ public:
+  explicit Writer(AcDbDatabase* db) : db_(db) {}
+  bool run();
+  std::string release() { return w_.release(); }
+  const std::string& error() const { return error_; }
+
+ private:
+  bool fail(const std::string& what) {
+    if (error_.empty()) error_ = what;
+    return false;
+  }
+  bool check(AcDbObject* obj) {
+    if (w_.ok()) return true;
+    return fail(obj ? label(obj) + ": " + w_.error() : w_.error());
+  }
+  std::string label(const AcDbObject* obj) const {
+    return sys::toUtf8(typeName(obj)) + " " + handleText(obj->objectId().handle().value());
+  }
+  std::u16string typeName(const AcDbObject* obj) const;
+
+  void beginSection(const char* name) {
+    w_.text(0, "SECTION");
+    w_.text(2, name);
+  }
+  void endSection() { w_.text(0, "ENDSEC"); }
+
+  bool prepare();
+  bool header();
+  bool classes();
+  bool tables();
+  bool blocks();
+  bool entities();
+  bool objects();
+  void keptSections();
+
+  void item(const DxfItem& it);
+  void xdata(const AcDbObject* obj);
+  // One object: type, handle, data, extended data. A BLOCK adds its
+  // block's own part after its entity part.
+  bool object(AcDbObject* obj, const AcDbBlockTableRecord* blockOf = nullptr);
+  // An entity and the vertices or attributes that follow it.
+  bool entity(AcDbObjectId id);
+  bool blockEntities(AcDbBlockTableRecord* btr);
+  // The BLOCK and ENDBLK of a block, made when the block has none yet.
+  bool blockEnds(AcDbBlockTableRecord* btr, AcDbObjectId& begin, AcDbObjectId& end);
+
+  AcDbDatabase* db_;
+  GroupWriter w_;
+  std::string error_;
+  std::set<AcDbStub*> written_;
+};
+
+std::u16string Writer::typeName(const AcDbObject* obj) const {
+  if (const ProxyData* p = proxyData(obj)) return p->dxfName;
+  if (AcDbSymbolTable::cast(obj)) return u"TABLE";
+  const AcRxClass* c = obj->isA();
+  const char16_t* n = c ? c->dxfName() : nullptr;
+  if (n && *n) return n;
+  // A class registered without a DXF name is filed under its C++ name.
+  std::u16string s = c ? c->name() : u"OBJECT";
+  for (char16_t& ch : s) ch = sys::asciiUpper(ch);
+  return s;
+}
+
+void Writer::item(const DxfItem& it) {
+  const int c = it.code;
+  switch (it.kind) {
+    case DxfItem::String: w_.text(c, sys::toUtf8(it.s)); break;
+    case DxfItem::Int: w_.integer(c, it.i); break;
+    case DxfItem::Real:
+      // A real in an integer group: its whole value.
+      if (dxf::valueKind(c) == dxf::ValueKind::Integer) w_.integer(c, std::llround(it.p[0]));
+      else w_.real(c, it.p[0]);
+      break;
+    case DxfItem::Point:
+      if (it.dims == 2) w_.point(c, it.p[0], it.p[1]);
+      else w_.point(c, it.p[0], it.p[1], it.p[2]);
+      break;
+    case DxfItem::Id: {
+      // A reference to an object that is erased is no reference.
+      uint64_t h = it.id.isNull() || it.id.isErased() ? 0 : it.id.handle().value();
+      w_.text(c, handleText(h));
+      break;
+    }
+    case DxfItem::Handle: w_.text(c, handleText(it.handle.value())); break;
+    case DxfItem::Binary: w_.text(c, bytesToHex(it.b)); break;
+  }
+}
+
+void Writer::xdata(const AcDbObject* obj) {
+  resbuf* chain = obj->xData();
+  for (const resbuf* p = chain; p; p = p->rbnext) {
+    const int c = p->restype;
+    if (isPointCode(c)) {
+      w_.point(c, p->resval.rpoint[0], p->resval.rpoint[1], p->resval.rpoint[2]);
+    } else if (c == 1004) {
+      w_.text(c, bytesToHex(std::string_view(p->resval.rbinary.buf ? p->resval.rbinary.buf : "",
+                                             p->resval.rbinary.buf ? static_cast<size_t>(p->resval.rbinary.clen) : 0)));
+    } else if (c >= 1040 && c <= 1059) {
+      w_.real(c, p->resval.rreal);
+    } else if (c == 1071) {
+      w_.integer(c, p->resval.rlong);
+    } else if (c >= 1060 && c <= 1070) {
+      w_.integer(c, p->resval.rint);
+    } else {
+      w_.text(c, sys::toUtf8(p->resval.rstring ? p->resval.rstring : u""));
+    }
+  }
+  acutRelRb(chain);
+}
+
+bool Writer::object(AcDbObject* obj, const AcDbBlockTableRecord* blockOf) {
+  MemoryDxfFiler f(AcDb::kFileFiler, db_);
+  Acad::ErrorStatus es = obj->dxfOutFields(&f);
+  if (es == Acad::eOk && blockOf &&
+      std::none_of(f.items().begin(), f.items().end(),
+                   [](const DxfItem& it) { return it.code == 100 && it.s == u"AcDbBlockBegin"; }))
+    es = AcDbBlockTableRecord::blockBeginSchema().dxfOut(blockOf, &f);
+  if (es != Acad::eOk) return fail(label(obj) + ": its class could not write it (status " + std::to_string(es) + ")");
+  const std::u16string type = typeName(obj);
+  w_.text(0, sys::toUtf8(type));
+  if (auto* table = AcDbSymbolTable::cast(obj)) w_.text(2, sys::toUtf8(symbolTableName(table)));
+  w_.text(type == u"DIMSTYLE" ? 105 : 5, handleText(obj->objectId().handle().value()));
+  for (const DxfItem& it : f.items()) item(it);
+  xdata(obj);
+  written_.insert(obj->objectId().stub());
+  return check(obj);
+}
+
+// ---------------------------------------------------------------- sections
+
+bool Writer::header() {
+  beginSection("HEADER");
+  std::vector<HeaderVar> vars = headerVars(db_);
+  auto find = [&](const char16_t* name) {
+    return std::find_if(vars.begin(), vars.end(), [&](const HeaderVar& v) { return v.name == name; });
+  };
+  auto text = [](int code, std::u16string value) {
+    DxfItem it = makeItem(code, DxfItem::String);
+    it.s = std::move(value);
+    return std::vector<DxfItem>{it};
+  };
+  // The three the writer decides, in the places the drawing has them; the
+  // missing ones after $ACADVER.
+  if (find(u"$ACADVER") == vars.end()) vars.insert(vars.begin(), HeaderVar{u"$ACADVER", {}});
+  find(u"$ACADVER")->groups = text(1, u"AC1032");
+  size_t at = static_cast<size_t>(find(u"$ACADVER") - vars.begin()) + 1;
+  if (find(u"$DWGCODEPAGE") == vars.end()) vars.insert(vars.begin() + static_cast<std::ptrdiff_t>(at++), HeaderVar{u"$DWGCODEPAGE", {}});
+  find(u"$DWGCODEPAGE")->groups = text(3, u"ANSI_1252");
+  if (find(u"$HANDSEED") == vars.end()) vars.insert(vars.begin() + static_cast<std::ptrdiff_t>(at), HeaderVar{u"$HANDSEED", {}});
+  find(u"$HANDSEED")->groups = text(5, sys::fromUtf8(handleText(db_->handseed().value())));
+  for (const HeaderVar& v : vars) {
+    w_.text(9, sys::toUtf8(v.name));
+    for (const DxfItem& it : v.groups) item(it);
+    if (!w_.ok()) return fail("header variable " + sys::toUtf8(v.name) + ": " + w_.error());
+  }
+  endSection();
+  return true;
+}
+
+bool Writer::classes() {
+  std::vector<DxfClassRecord> records = dxfFileData(db_).classes;
+  // Objects per DXF name, and the classes that have them.
+  std::map<std::u16string, int> counts;
+  std::map<std::u16string, const AcDbObject*> sample;
+  for (AcDbObjectId id : db_->allObjects()) {
+    if (id.isErased()) continue;
+    AcDbObject* o = peekObject(id);
+    if (!o) continue;
+    std::u16string n = typeName(o);
+    ++counts[n];
+    sample.emplace(n, o);
+  }
+  for (auto& [name, obj] : sample) {
+    bool have = std::any_of(records.begin(), records.end(), [&](const DxfClassRecord& r) { return r.dxfName == name; });
+    if (have) continue;
+    DxfClassRecord r;
+    r.dxfName = name;
+    r.isEntity = AcDbEntity::cast(obj) != nullptr;
+    if (proxyData(obj)) continue;  // a proxy keeps its record from its file, if it had one
+    const AcRxClass* c = obj->isA();
+    bool standard = false;
+    for (const StandardClass& s : kStandardClasses) {
+      if (name == s.dxfName) {
+        r.className = s.className;
+        r.appName = s.appName;
+        r.proxyFlags = s.flags;
+        r.isEntity = s.entity;
+        standard = true;
+      }
+    }
+    if (!standard) {
+      // The host's own classes have fixed types in every reader; those of
+      // applications are listed.
+      if (!c || std::u16string(c->appName()) == kHostApp || c->name() == std::u16string(u"AcDbObject")) continue;
+      r.className = c->name();
+      r.appName = c->appName();
+      r.proxyFlags = c->proxyFlags();
+    }
+    records.push_back(std::move(r));
+  }
+  beginSection("CLASSES");
+  for (const DxfClassRecord& r : records) {
+    w_.text(0, "CLASS");
+    w_.text(1, sys::toUtf8(r.dxfName));
+    w_.text(2, sys::toUtf8(r.className));
+    w_.text(3, sys::toUtf8(r.appName));
+    w_.integer(90, r.proxyFlags);
+    auto n = counts.find(r.dxfName);
+    w_.integer(91, n == counts.end() ? 0 : n->second);
+    w_.integer(280, r.wasProxy ? 1 : 0);
+    w_.integer(281, r.isEntity ? 1 : 0);
+    if (!w_.ok()) return fail("class " + sys::toUtf8(r.dxfName) + ": " + w_.error());
+  }
+  endSection();
+  return true;
+}
+
+bool Writer::tables() {
+  const AcDbObjectId order[] = {db_->viewportTableId(), db_->linetypeTableId(), db_->layerTableId(),
+                                db_->textStyleTableId(), db_->viewTableId(),     db_->UCSTableId(),
+                                db_->regAppTableId(),    db_->dimStyleTableId(), db_->blockTableId()};
+  beginSection("TABLES");
+  for (AcDbObjectId tid : order) {
+    auto* table = AcDbSymbolTable::cast(peekObject(tid));
+    if (!table || tid.isErased()) continue;
+    if (!object(table)) return false;
+    for (AcDbObjectId rid : table->recordIds(false)) {
+      AcDbObject* rec = peekObject(rid);
+      if (rec && !rid.isErased() && !object(rec)) return false;
+    }
+    w_.text(0, "ENDTAB");
+  }
+  endSection();
+  return true;
+}
+
+bool Writer::entity(AcDbObjectId id) {
+  AcDbObject* obj = peekObject(id);
+  if (!obj || id.isErased()) return true;
+  if (!object(obj)) return false;
+  std::vector<AcDbObjectId> parts;
+  AcDbObjectId seqend;
+  entityParts(obj, parts, seqend);
+  for (AcDbObjectId p : parts) {
+    AcDbObject* po = peekObject(p);
+    if (po && !p.isErased() && !object(po)) return false;
+  }
+  if (AcDbObject* se = peekObject(seqend); se && !seqend.isErased() && !parts.empty()) {
+    if (!object(se)) return false;
+  }
+  return true;
+}
+
+bool Writer::blockEntities(AcDbBlockTableRecord* btr) {
+  for (AcDbObjectId id : btr->entityIds(false))
+    if (!entity(id)) return false;
+  return true;
+}
+
+bool Writer::blockEnds(AcDbBlockTableRecord* btr, AcDbObjectId& begin, AcDbObjectId& end) {
+  begin = btr->blockBeginId();
+  end = btr->blockEndId();
+  if (peekObject(begin) && peekObject(end)) return true;
+  // A block made in this session: its BLOCK and ENDBLK are made now, with
+  // handles of their own, as the drawing will keep them.
+  auto make = [&](const char16_t* dxfName, AcDbObjectId& id) {
+    if (peekObject(id)) return true;
+    AcRxClass* c = acrxFindClassByDxfName(dxfName);
+    AcDbObject* o = c ? AcDbObject::cast(c->create()) : nullptr;
+    if (!o) {
+      // Without classes of their own they are entities of their type and
+      // no more, as files hold them.
+      o = makeProxy(true, dxfName, dxfName, u"", 0);
+      if (std::u16string(dxfName) == u"ENDBLK") {
+        DxfItem m = makeItem(100, DxfItem::String);
+        m.s = u"AcDbBlockEnd";
+        proxyData(o)->items.push_back(m);
+      }
+    }
+    if (db_->addAcDbObject(id, o) != Acad::eOk) {
+      delete o;
+      return fail("cannot add the " + sys::toUtf8(dxfName) + " of a block to the drawing");
+    }
+    o->setOwnerId(btr->objectId());
+    o->close();
+    return true;
+  };
+  if (!make(u"BLOCK", begin) || !make(u"ENDBLK", end)) return false;
+  AcDbBlockTableRecord* open = nullptr;
+  if (acdbOpenObject(open, btr->objectId(), AcDb::kForWrite) != Acad::eOk)
+    return fail("block " + sys::toUtf8(btr->name()) + ": open elsewhere; cannot give it its BLOCK and ENDBLK");
+  open->setBlockBeginAndEnd(begin, end);
+  open->close();
+  return true;
+}
+
+bool Writer::blocks() {
+  auto* bt = AcDbSymbolTable::cast(peekObject(db_->blockTableId()));
+  beginSection("BLOCKS");
+  if (bt) {
+    for (AcDbObjectId rid : bt->recordIds(false)) {
+      auto* btr = AcDbBlockTableRecord::cast(peekObject(rid));
+      if (!btr) continue;
+      AcDbObjectId begin, end;
+      if (!blockEnds(btr, begin, end)) return false;
+      if (!object(peekObject(begin), btr)) return false;
+      if (!sameName(btr->name(), ACDB_MODEL_SPACE) && !sameName(btr->name(), ACDB_PAPER_SPACE) &&
+          !blockEntities(btr))
+        return false;
+      if (!object(peekObject(end))) return false;
+    }
+  }
+  endSection();
+  return true;
+}
+
+bool Writer::entities() {
+  beginSection("ENTITIES");
+  if (auto* bt = AcDbSymbolTable::cast(peekObject(db_->blockTableId()))) {
+    for (const char16_t* space : {ACDB_MODEL_SPACE, ACDB_PAPER_SPACE}) {
+      AcDbObjectId id;
+      if (bt->getAt(space, id) != Acad::eOk) continue;
+      if (auto* btr = AcDbBlockTableRecord::cast(peekObject(id)); btr && !blockEntities(btr)) return false;
+    }
+  }
+  endSection();
+  return true;
+}
+
+bool Writer::objects() {
+  beginSection("OBJECTS");
+  AcDbObjectId nod = db_->namedObjectsDictionaryId();
+  if (AcDbObject* o = peekObject(nod); o && !nod.isErased() && !object(o)) return false;
+  for (AcDbObjectId id : db_->allObjects()) {
+    if (id == nod || id.isErased()) continue;
+    AcDbObject* o = peekObject(id);
+    if (!o || AcDbEntity::cast(o) || AcDbSymbolTable::cast(o) || AcDbSymbolTableRecord::cast(o)) continue;
+    if (!object(o)) return false;
+  }
+  endSection();
+  return true;
+}
+
+void Writer::keptSections() {
+  for (const KeptSection& s : dxfFileData(db_).sections) {
+    beginSection(s.name.c_str());
+    for (const dxf::Group& g : s.body) w_.group(g);
+    endSection();
+  }
+}
+
+bool Writer::prepare() {
+  // What the file holds that the drawing has not made yet (the BLOCK and
+  // ENDBLK of a new block, the SEQEND of a new polyline) is made before
+  // anything is written, so that the header's next handle is above it.
+  auto* bt = AcDbSymbolTable::cast(peekObject(db_->blockTableId()));
+  if (!bt) return true;
+  for (AcDbObjectId rid : bt->recordIds(false)) {
+    auto* btr = AcDbBlockTableRecord::cast(peekObject(rid));
+    if (!btr) continue;
+    AcDbObjectId begin, end;
+    if (!blockEnds(btr, begin, end)) return false;
+    std::vector<AcDbObjectId> parts;
+    AcDbObjectId seqend;
+    for (AcDbObjectId id : btr->entityIds(false)) entityParts(peekObject(id), parts, seqend);
+  }
+  return true;
+}
+
+bool Writer::run() {
+  if (!prepare() || !header() || !classes() || !tables() || !blocks() || !entities() || !objects()) return false;
+  keptSections();
+  w_.text(0, "EOF");
+  if (!w_.ok()) return fail(w_.error());
+  return true;
+}
+
+}  // namespace
+
+bool writeDxfBytes(AcDbDatabase* db, std::string* bytes, std::string* error) {
+  if (!db) {
+    if (error) *error = "no drawing to write";
+    return false;
+  }
+  Writer w(db);
+  if (!w.run()) {
+    if (error) *error = w.error();
+    return false;
+  }
+  *bytes = w.release();
+  return true;
+}
+
+}  // namespace zepk::db
