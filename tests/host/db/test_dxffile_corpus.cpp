@@ -102,11 +102,6 @@ const Known kKnown[] = {
      "AcDbDimStyleTableRecord: defaults of DIMDSEP, DIMTOFL, DIMTAD, DIMEXO"},
     {"", R"(^  TABLE VPORT '\*Active' VPORT #\w+ name '\*Active': attribute (ucs_(origin|xaxis|yaxis|ortho_type): only in B|ucs_vp: 0 != 1))",
      "AcDbViewportTableRecord: UCS groups written that the file did not have"},
-    {"", R"(: attribute linetype: 'BYBLOCK' != 'ByBlock'$)", "AcDbEntity: a linetype's name as the file spelt it"},
-    {"", R"(^  LAYOUT 'Model' POLYLINE #\w+ layer '0' \[\d\] VERTEX #\w+ layer '0': attribute tangent: only in A: 0\.0$)",
-     "AcDb2dVertex: a tangent of 0 left out"},
-    {"", R"( MTEXT #\w+ layer '0': attribute (width: only in B: 0\.0|box_fill_scale: only in A: 1\.5)$)",
-     "AcDbMText: a width of 0 written, the fill box scale left out"},
 };
 
 const Known* known(const std::string& line, const std::string& file) {
