@@ -1,9 +1,9 @@
 // The database's own classes, registered together when the class
 // dictionary is first used, parents before children.
 #include "host/db/dbobjects.h"
+#include "host/db/dxfinternal.h"
 #include "host/db/ents_internal.h"
 #include "host/db/internal.h"
-#include "host/dbproxy.h"
 
 namespace zepk::db {
 
@@ -14,8 +14,7 @@ void registerHostClasses() {
   AcDbDatabase::desc();
   registerObjectClasses();
   registerEntityClasses();
-  AcDbProxyObject::desc();
-  AcDbProxyEntity::desc();
+  registerFileClasses();
 }
 
 }  // namespace zepk::db

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/db/dxffile.h"
+#include "host/dbents.h"
 #include "host/dxf/group.h"
 
 namespace zepk::db {
@@ -56,6 +57,35 @@ std::string handleText(uint64_t value);
 // Binary chunks: hexadecimal text, two digits a byte.
 std::optional<std::string> hexToBytes(std::string_view text);
 std::string bytesToHex(std::string_view bytes);
+
+}  // namespace zepk::db
+
+// ---- the frame of a block in a file
+
+// The BLOCK and ENDBLK that open and close a block's entities in a file:
+// entities of their own, with a handle, a layer and the rest of what every
+// entity has. What the BLOCK says of the block (its flags, origin, path and
+// description) is the block record's (AcDbBlockTableRecord::
+// blockBeginSchema()); the file reader and writer hand that part over.
+class AcDbBlockBegin : public AcDbEntity {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbBlockBegin);
+  AcDbBlockBegin() = default;
+};
+
+class AcDbBlockEnd : public AcDbEntity {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbBlockEnd);
+  AcDbBlockEnd() = default;
+  Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
+  Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
+};
+
+namespace zepk::db {
+
+// Registers the classes above and the proxies (called with the host's
+// other classes).
+void registerFileClasses();
 
 // ---- structure the classes keep
 

@@ -11,10 +11,41 @@
 #include "host/dbdict.h"
 #include "host/dblayout.h"
 #include "host/dbmstyle.h"
+#include "host/dbproxy.h"
 #include "host/dbsymtb.h"
 #include "host/system/utf.h"
 
+namespace {
+
+AcRxObject* makeBlockBegin() { return new AcDbBlockBegin; }
+AcRxObject* makeBlockEnd() { return new AcDbBlockEnd; }
+
+}  // namespace
+
+ACRX_DEFINE_HOST_CLASS(AcDbBlockBegin, AcDbEntity, u"BLOCK", makeBlockBegin)
+ACRX_DEFINE_HOST_CLASS(AcDbBlockEnd, AcDbEntity, u"ENDBLK", makeBlockEnd)
+
+// The ENDBLK's part is its marker alone.
+Acad::ErrorStatus AcDbBlockEnd::dxfOutFields(AcDbDxfFiler* f) const {
+  Acad::ErrorStatus es = AcDbEntity::dxfOutFields(f);
+  return es != Acad::eOk ? es : f->writeString(100, u"AcDbBlockEnd");
+}
+
+Acad::ErrorStatus AcDbBlockEnd::dxfInFields(AcDbDxfFiler* f) {
+  Acad::ErrorStatus es = AcDbEntity::dxfInFields(f);
+  if (es != Acad::eOk) return es;
+  f->atSubclassData(u"AcDbBlockEnd");
+  return f->filerStatus();
+}
+
 namespace zepk::db {
+
+void registerFileClasses() {
+  AcDbBlockBegin::desc();
+  AcDbBlockEnd::desc();
+  AcDbProxyObject::desc();
+  AcDbProxyEntity::desc();
+}
 
 void entityParts(const AcDbObject* obj, std::vector<AcDbObjectId>& parts, AcDbObjectId& seqend) {
   parts.clear();

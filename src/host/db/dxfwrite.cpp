@@ -334,16 +334,7 @@ bool Writer::blockEnds(AcDbBlockTableRecord* btr, AcDbObjectId& begin, AcDbObjec
     if (peekObject(id)) return true;
     AcRxClass* c = acrxFindClassByDxfName(dxfName);
     AcDbObject* o = c ? AcDbObject::cast(c->create()) : nullptr;
-    if (!o) {
-      // Without classes of their own they are entities of their type and
-      // no more, as files hold them.
-      o = makeProxy(true, dxfName, dxfName, u"", 0);
-      if (std::u16string(dxfName) == u"ENDBLK") {
-        DxfItem m = makeItem(100, DxfItem::String);
-        m.s = u"AcDbBlockEnd";
-        proxyData(o)->items.push_back(m);
-      }
-    }
+    if (!o) return fail("no class for " + sys::toUtf8(dxfName));
     if (db_->addAcDbObject(id, o) != Acad::eOk) {
       delete o;
       return fail("cannot add the " + sys::toUtf8(dxfName) + " of a block to the drawing");

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "host/db/dxffile.h"
+#include "host/db/dxfinternal.h"
 #include "host/db/internal.h"
 #include "host/db/schema.h"
 #include "host/dbdict.h"
@@ -335,6 +336,11 @@ TEST_F(DxfFileTest, WhereARecordStandsDecidesItsOwner) {
   EXPECT_TRUE(b->entityIds().empty());
   EXPECT_EQ(a->blockBeginId(), idOf(db.get(), 4));
   EXPECT_EQ(a->blockEndId(), idOf(db.get(), 6));
+  AcDbObjectPointer<AcDbBlockBegin> begin(idOf(db.get(), 4), AcDb::kForRead);
+  AcDbObjectPointer<AcDbBlockEnd> end(idOf(db.get(), 6), AcDb::kForRead);
+  ASSERT_EQ(begin.openStatus(), Acad::eOk);
+  ASSERT_EQ(end.openStatus(), Acad::eOk);
+  EXPECT_EQ(begin->ownerId(), idOf(db.get(), 2));
   AcDbObjectPointer<AcDbLayerTableRecord> layer(idOf(db.get(), 0x11), AcDb::kForRead);
   ASSERT_EQ(layer.openStatus(), Acad::eOk);
   EXPECT_EQ(layer->ownerId(), idOf(db.get(), 0x10));
