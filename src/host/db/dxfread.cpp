@@ -843,11 +843,14 @@ bool Reader::linkComplexes() {
 }
 
 bool Reader::finish() {
-  // The named objects dictionary: the first object of the OBJECTS section,
-  // as files have it.
+  // The named objects dictionary: files have it first in the OBJECTS
+  // section; in any case it is a dictionary that nothing owns.
   for (AcDbObjectId id : objectsInOrder_) {
-    if (AcDbDictionary::cast(peekObject(id))) db_->setRootId(AcDbDatabase::kRootNamedObjects, id);
-    break;
+    AcDbObject* o = peekObject(id);
+    if (AcDbDictionary::cast(o) && o->ownerId().isNull()) {
+      db_->setRootId(AcDbDatabase::kRootNamedObjects, id);
+      break;
+    }
   }
   std::string err;
   if (!completeDrawing(db_, warnings_, &err)) {

@@ -347,6 +347,25 @@ TEST_F(DxfFileTest, WhereARecordStandsDecidesItsOwner) {
   EXPECT_EQ(line->layerId(), idOf(db.get(), 0x11));
 }
 
+TEST_F(DxfFileTest, TheNamedObjectsDictionaryIsTheOneNothingOwns) {
+  auto db = read(dxf({"0 SECTION", "2 OBJECTS",
+                      "0 XRECORD", "5 A", "330 B", "100 AcDbXrecord", "1 data",
+                      "0 DICTIONARY", "5 B", "330 0", "100 AcDbDictionary", "3 X", "350 A",
+                      "0 ENDSEC", "0 EOF"}));
+  ASSERT_TRUE(db);
+  EXPECT_EQ(db->namedObjectsDictionaryId(), idOf(db.get(), 0xB));
+  // Written first among the objects, with what every drawing's has added.
+  Parsed out = parse(write(db.get()));
+  const auto* objects = out.layout.find(zepk::dxf::SectionKind::Objects);
+  ASSERT_NE(objects, nullptr);
+  EXPECT_EQ(out.groups[objects->records[0].begin + 1].text(), "B");
+  AcDbDictionary* nod = nullptr;
+  ASSERT_EQ(db->getNamedObjectsDictionary(nod), Acad::eOk);
+  EXPECT_TRUE(nod->has(u"X"));
+  EXPECT_TRUE(nod->has(u"ACAD_LAYOUT"));
+  nod->close();
+}
+
 TEST_F(DxfFileTest, ProxiesSurviveCopyThroughTheDwgFiler) {
   auto db = read(dxf(objectsFile()));
   ASSERT_TRUE(db);
