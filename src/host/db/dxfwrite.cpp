@@ -162,7 +162,7 @@ void Writer::xdata(const AcDbObject* obj) {
     } else if (c == 1004) {
       w_.text(c, bytesToHex(std::string_view(p->resval.rbinary.buf ? p->resval.rbinary.buf : "",
                                              p->resval.rbinary.buf ? static_cast<size_t>(p->resval.rbinary.clen) : 0)));
-    } else if (c >= 1040 && c <= 1059) {
+    } else if (c >= 1010 && c <= 1059) {
       w_.real(c, p->resval.rreal);
     } else if (c == 1071) {
       w_.integer(c, p->resval.rlong);

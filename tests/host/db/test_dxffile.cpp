@@ -187,6 +187,8 @@ const std::vector<std::string> kThing20 = {
 };
 const std::vector<std::string> kThing21 = {
     "0 ZEPK_THING", "5 21", "330 20", "100 ZepkThing", "40 0.25", "340 20", "100 ZepkThingMore", "1 more",
+    // A real of a point's place without its point.
+    "1001 ZEPK", "1033 7.5",
 };
 
 std::vector<std::string> objectsFile() {
@@ -479,6 +481,8 @@ TEST_F(DxfFileTest, ASavedDrawingReadsBackToTheSameFile) {
 
 // ---------------------------------------------------------------- malformed files
 
+std::vector<std::string> kR12Lines();
+
 struct BadFile {
   const char* what;
   std::vector<std::string> pairs;
@@ -528,6 +532,35 @@ TEST_F(DxfFileTest, MalformedFilesNameTheLineAndMakeNoDrawing) {
       EXPECT_EQ(error.rfind("line " + std::to_string(c.line) + ": ", 0), 0u) << error;
     }
     EXPECT_NE(error.find(c.message), std::string::npos) << error;
+  }
+}
+
+// Every line of two small drawings in turn dropped, or replaced by text no
+// group holds: the reader either reads the rest or names a line, and never
+// fails in another way.
+TEST_F(DxfFileTest, DamagedFilesAreReadOrRefusedWithALine) {
+  for (const std::string& text : {dxf(objectsFile()), dxf(kR12Lines())}) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string l; std::getline(in, l);) lines.push_back(l);
+    for (size_t i = 0; i < lines.size(); ++i) {
+      for (int variant = 0; variant < 2; ++variant) {
+        std::string damaged;
+        for (size_t k = 0; k < lines.size(); ++k) {
+          if (k == i && variant == 0) continue;
+          damaged += (k == i ? std::string("\x01zz") : lines[k]) + "\n";
+        }
+        std::unique_ptr<AcDbDatabase> db;
+        std::string error;
+        if (!readDxfBytes(damaged, &db, &error)) {
+          EXPECT_FALSE(db);
+          EXPECT_EQ(error.rfind("line ", 0), 0u) << "line " << i + 1 << ": " << error;
+          continue;
+        }
+        std::string bytes;
+        EXPECT_TRUE(writeDxfBytes(db.get(), &bytes, &error)) << "line " << i + 1 << ": " << error;
+      }
+    }
   }
 }
 
@@ -610,6 +643,8 @@ const std::vector<std::string> kR12 = {
     "0 INSERT", "8 0", "2 DOOR", "10 5.0", "20 5.0", "30 0.0",
     "0 ENDSEC", "0 EOF",
 };
+
+std::vector<std::string> kR12Lines() { return kR12; }
 
 TEST_F(DxfFileTest, AnR12DrawingGetsHandlesOwnersAndWhatLaterReleasesStore) {
   auto db = read(dxf(kR12));
