@@ -21,6 +21,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "host/dbcolor.h"
 #include "host/dbmain.h"
 #include "host/gepnt2d.h"
 #include "host/gepnt3d.h"
@@ -124,6 +125,11 @@ class AcDbLayerTableRecord : public AcDbSymbolTableRecord {
   // The true colour as 0x00RRGGBB, -1 when the layer has none.
   Adesk::Int32 trueColor() const { return trueColor_; }
   void setTrueColor(Adesk::Int32 rgb);
+  // The same as a colour: an index, or a true colour (whose index is the
+  // nearest of the palette). By layer, by block and none are refused
+  // (eInvalidInput).
+  AcCmColor color() const;
+  Acad::ErrorStatus setColor(const AcCmColor& color);
   // The linetype; a layer put in a table without one gets "Continuous".
   AcDbObjectId linetypeObjectId() const;
   Acad::ErrorStatus setLinetypeObjectId(AcDbObjectId id);

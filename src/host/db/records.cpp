@@ -183,6 +183,24 @@ void AcDbLayerTableRecord::setTrueColor(Adesk::Int32 rgb) {
   trueColor_ = rgb < 0 ? -1 : (rgb & 0xFFFFFF);
 }
 
+AcCmColor AcDbLayerTableRecord::color() const {
+  AcCmColor c;
+  if (trueColor_ >= 0) c.setRGB(static_cast<Adesk::UInt32>(trueColor_));
+  else c.setColorIndex(static_cast<Adesk::UInt16>(color_));
+  return c;
+}
+
+Acad::ErrorStatus AcDbLayerTableRecord::setColor(const AcCmColor& c) {
+  if (c.isByColor()) {
+    assertWriteEnabled();
+    trueColor_ = static_cast<Adesk::Int32>(c.rgb() & 0xFFFFFF);
+    color_ = static_cast<Adesk::Int16>(c.colorIndex());
+    return Acad::eOk;
+  }
+  if (!c.isByACI()) return Acad::eInvalidInput;
+  return setColorIndex(static_cast<Adesk::Int16>(c.colorIndex()));
+}
+
 AcDbObjectId AcDbLayerTableRecord::linetypeObjectId() const {
   // A linetype a file named before the drawing had it is looked up again.
   if (linetype_.isNull() && !linetypeName_.empty()) return linetypeIdByName(database(), linetypeName_);

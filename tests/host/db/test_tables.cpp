@@ -236,6 +236,19 @@ TEST_F(TablesTest, ALockedLayerIsKnownByItsId) {
     EXPECT_EQ(rec->setColorIndex(256), Acad::eInvalidInput);  // by layer means nothing here
     EXPECT_EQ(rec->setLineWeight(7), Acad::eInvalidInput);
     EXPECT_EQ(rec->setLineWeight(30), Acad::eOk);
+    // A true colour keeps its nearest index for readers that know only those.
+    AcCmColor c;
+    c.setRGB(255, 0, 0);
+    EXPECT_EQ(rec->setColor(c), Acad::eOk);
+    EXPECT_EQ(rec->trueColor(), 0xFF0000);
+    EXPECT_EQ(rec->colorIndex(), 1);
+    EXPECT_TRUE(rec->color().isByColor());
+    c.setByLayer();
+    EXPECT_EQ(rec->setColor(c), Acad::eInvalidInput);
+    c.setColorIndex(3);
+    EXPECT_EQ(rec->setColor(c), Acad::eOk);
+    EXPECT_EQ(rec->trueColor(), -1);
+    EXPECT_EQ(rec->color().colorIndex(), 3);
   }
   EXPECT_TRUE(zepk::db::isLayerLocked(id));
   EXPECT_FALSE(zepk::db::isLayerLocked(layer(u"0")));
