@@ -268,10 +268,13 @@ TEST_F(DxfFileTest, UnknownEntitiesAndRecordsOutOfPlaceAreKeptWhereTheyStand) {
   const std::vector<std::string> shape = {"0 ZEPK_SHAPE", "5 30", "100 AcDbEntity", "8 0", "62 5",
                                           "100 ZepkShape", "10 1.0", "20 2.0", "30 0.0", "40 2.5", "1001 ZEPK",
                                           "1000 x"};
+  // An entity without the part every entity has: kept whole.
+  const std::vector<std::string> bare = {"0 ZEPK_BARE", "5 32", "100 ZepkBare", "10 1.0", "20 2.0", "30 0.0",
+                                         "8 not a layer"};
   // A LINE among the objects is no entity of any block: kept as it stands.
   const std::vector<std::string> line = {"0 LINE", "5 31", "330 C", "100 AcDbEntity", "8 0", "100 AcDbLine",
                                          "10 0.0", "20 0.0", "30 0.0", "11 1.0", "21 1.0", "31 0.0"};
-  auto db = read(dxf(concat({{"0 SECTION", "2 ENTITIES"}, shape, {"0 ENDSEC", "0 SECTION", "2 OBJECTS", "0 DICTIONARY", "5 C",
+  auto db = read(dxf(concat({{"0 SECTION", "2 ENTITIES"}, shape, bare, {"0 ENDSEC", "0 SECTION", "2 OBJECTS", "0 DICTIONARY", "5 C",
                                                                   "330 0", "100 AcDbDictionary"},
                              line, {"0 ENDSEC", "0 EOF"}})));
   ASSERT_TRUE(db);
@@ -289,7 +292,9 @@ TEST_F(DxfFileTest, UnknownEntitiesAndRecordsOutOfPlaceAreKeptWhereTheyStand) {
     EXPECT_EQ(p->colorIndex(), 5);
     EXPECT_EQ(std::u16string(p->originalDxfName()), u"ZEPK_SHAPE");
     AcDbObjectPointer<AcDbBlockTableRecord> ms(model, AcDb::kForRead);
-    EXPECT_EQ(ms->entityIds(), AcDbObjectIdArray{idOf(db.get(), 0x30)});
+    EXPECT_EQ(ms->entityIds(), (AcDbObjectIdArray{idOf(db.get(), 0x30), idOf(db.get(), 0x32)}));
+    AcDbObjectPointer<AcDbProxyEntity> b(idOf(db.get(), 0x32), AcDb::kForRead);
+    EXPECT_EQ(b.openStatus(), Acad::eOk);
     AcDbObjectPointer<AcDbProxyObject> o(idOf(db.get(), 0x31), AcDb::kForRead);
     EXPECT_EQ(o.openStatus(), Acad::eOk);
   }
@@ -300,10 +305,13 @@ TEST_F(DxfFileTest, UnknownEntitiesAndRecordsOutOfPlaceAreKeptWhereTheyStand) {
   const std::u16string modelHandle = model.handle().ascii();
   owned.insert(owned.begin() + 2, "330 " + std::string(modelHandle.begin(), modelHandle.end()));
   EXPECT_EQ(out.record("30"), groupsOf(owned));
+  owned = bare;
+  owned.insert(owned.begin() + 2, "330 " + std::string(modelHandle.begin(), modelHandle.end()));
+  EXPECT_EQ(out.record("32"), groupsOf(owned));
   EXPECT_EQ(out.record("31"), groupsOf(line));
   const auto* entities = out.layout.find(zepk::dxf::SectionKind::Entities);
   ASSERT_NE(entities, nullptr);
-  ASSERT_EQ(entities->records.size(), 1u);
+  ASSERT_EQ(entities->records.size(), 2u);
   EXPECT_EQ(out.groups[entities->records[0].begin + 1].text(), "30");
 }
 
