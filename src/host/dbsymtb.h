@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "host/dbcolor.h"
+#include "host/dbents.h"
 #include "host/dbmain.h"
 #include "host/gepnt2d.h"
 #include "host/gepnt3d.h"
@@ -133,10 +134,10 @@ class AcDbLayerTableRecord : public AcDbSymbolTableRecord {
   // The linetype; a layer put in a table without one gets "Continuous".
   AcDbObjectId linetypeObjectId() const;
   Acad::ErrorStatus setLinetypeObjectId(AcDbObjectId id);
-  // Line weight in hundredths of a millimetre, or -1 by layer, -2 by
-  // block, -3 the default (the AcDb::LineWeight values).
-  Adesk::Int16 lineWeight() const { return lineWeight_; }
-  Acad::ErrorStatus setLineWeight(Adesk::Int16 weight);
+  // A layer's weight is one of the widths or the default (kLnWtByLwDefault);
+  // by layer and by block mean nothing here (eInvalidInput).
+  AcDb::LineWeight lineWeight() const { return static_cast<AcDb::LineWeight>(lineWeight_); }
+  Acad::ErrorStatus setLineWeight(AcDb::LineWeight weight);
   AcDbObjectId plotStyleNameId() const { return plotStyle_; }
   Acad::ErrorStatus setPlotStyleName(AcDbObjectId id);
 

@@ -217,14 +217,14 @@ Acad::ErrorStatus AcDbLayerTableRecord::setLinetypeObjectId(AcDbObjectId id) {
   return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbLayerTableRecord::setLineWeight(Adesk::Int16 weight) {
+Acad::ErrorStatus AcDbLayerTableRecord::setLineWeight(AcDb::LineWeight weight) {
   static const Adesk::Int16 kWeights[] = {-3, 0,  5,  9,  13, 15,  18,  20,  25,  30,  35,  40, 50,
                                           53, 60, 70, 80, 90, 100, 106, 120, 140, 158, 200, 211};
   bool valid = false;
   for (Adesk::Int16 w : kWeights) valid = valid || w == weight;
   if (!valid) return Acad::eInvalidInput;
   assertWriteEnabled();
-  lineWeight_ = weight;
+  lineWeight_ = static_cast<Adesk::Int16>(weight);
   return Acad::eOk;
 }
 

@@ -234,8 +234,9 @@ TEST_F(TablesTest, ALockedLayerIsKnownByItsId) {
     rec->setIsOff(true);
     EXPECT_EQ(rec->setColorIndex(3), Acad::eOk);
     EXPECT_EQ(rec->setColorIndex(256), Acad::eInvalidInput);  // by layer means nothing here
-    EXPECT_EQ(rec->setLineWeight(7), Acad::eInvalidInput);
-    EXPECT_EQ(rec->setLineWeight(30), Acad::eOk);
+    EXPECT_EQ(rec->setLineWeight(static_cast<AcDb::LineWeight>(7)), Acad::eInvalidInput);
+    EXPECT_EQ(rec->setLineWeight(AcDb::kLnWtByLayer), Acad::eInvalidInput);
+    EXPECT_EQ(rec->setLineWeight(AcDb::kLnWt030), Acad::eOk);
     // A true colour keeps its nearest index for readers that know only those.
     AcCmColor c;
     c.setRGB(255, 0, 0);
@@ -628,7 +629,9 @@ TEST(RecordFields, AnglesAreRadiansHereAndDegreesInFiles) {
   MemoryDxfFiler out(AcDb::kCopyFiler);
   style.dxfOutFields(&out);
   for (const DxfItem& it : out.items())
-    if (it.code == 50) EXPECT_NEAR(it.p[0], -15.0, 1e-9);
+    if (it.code == 50) {
+      EXPECT_NEAR(it.p[0], -15.0, 1e-9);
+    }
 
   // A viewport's corners and centre are points of two coordinates: files
   // write no z for them. Its width is its height times its aspect.
@@ -641,10 +644,18 @@ TEST(RecordFields, AnglesAreRadiansHereAndDegreesInFiles) {
   MemoryDxfFiler vout(AcDb::kCopyFiler);
   vp.dxfOutFields(&vout);
   for (const DxfItem& it : vout.items()) {
-    if (it.code >= 10 && it.code <= 15) EXPECT_EQ(it.dims, 2) << it.code;
-    if (it.code == 16 || it.code == 17 || it.code == 110) EXPECT_EQ(it.dims, 3) << it.code;
-    if (it.code == 51) EXPECT_NEAR(it.p[0], 30.0, 1e-9);
-    if (it.code == 50) EXPECT_NEAR(it.p[0], 45.0, 1e-9);
+    if (it.code >= 10 && it.code <= 15) {
+      EXPECT_EQ(it.dims, 2) << it.code;
+    }
+    if (it.code == 16 || it.code == 17 || it.code == 110) {
+      EXPECT_EQ(it.dims, 3) << it.code;
+    }
+    if (it.code == 51) {
+      EXPECT_NEAR(it.p[0], 30.0, 1e-9);
+    }
+    if (it.code == 50) {
+      EXPECT_NEAR(it.p[0], 45.0, 1e-9);
+    }
   }
   AcDbViewTableRecord view;
   view.setViewTwist(-kPi / 2);

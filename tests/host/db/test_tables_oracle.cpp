@@ -127,7 +127,7 @@ TEST(TablesOracle, AnotherReaderSeesWhatTheTablesHold) {
   layer->setTrueColor(0x123456);
   layer->setIsOff(true);
   layer->setIsLocked(true);
-  layer->setLineWeight(30);
+  layer->setLineWeight(AcDb::kLnWt030);
   AcDbObjectId dashedId;
   {
     AcDbObjectPointer<AcDbLinetypeTable> lts(db.linetypeTableId(), AcDb::kForRead);
