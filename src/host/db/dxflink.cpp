@@ -83,14 +83,14 @@ Acad::ErrorStatus linkParts(AcDbObjectId parent, const std::vector<AcDbObjectId>
 
 namespace {
 
-struct TableSpec {
+struct TableKind {
   const char16_t* name;
   AcDbDatabase::Root root;
   std::vector<const char16_t*> standard;  // records every drawing has
 };
 
-const std::vector<TableSpec>& tableSpecs() {
-  static const std::vector<TableSpec> specs = {
+const std::vector<TableKind>& tableKinds() {
+  static const std::vector<TableKind> kinds = {
       {u"VPORT", AcDbDatabase::kRootViewportTable, {u"*Active"}},
       {u"LTYPE", AcDbDatabase::kRootLinetypeTable, {u"ByBlock", u"ByLayer", u"Continuous"}},
       {u"LAYER", AcDbDatabase::kRootLayerTable, {u"0"}},
@@ -101,7 +101,7 @@ const std::vector<TableSpec>& tableSpecs() {
       {u"DIMSTYLE", AcDbDatabase::kRootDimStyleTable, {u"Standard"}},
       {u"BLOCK_RECORD", AcDbDatabase::kRootBlockTable, {ACDB_MODEL_SPACE, ACDB_PAPER_SPACE}},
   };
-  return specs;
+  return kinds;
 }
 
 AcDbObjectId rootOf(AcDbDatabase* db, AcDbDatabase::Root r) {
@@ -148,21 +148,21 @@ bool completeTables(AcDbDatabase* db, std::string* error) {
     return false;
   };
   // The tables and their standard records.
-  for (const TableSpec& spec : tableSpecs()) {
-    AcDbObjectId tableId = rootOf(db, spec.root);
+  for (const TableKind& kind : tableKinds()) {
+    AcDbObjectId tableId = rootOf(db, kind.root);
     if (tableId.isNull()) {
-      AcDbSymbolTable* t = newSymbolTable(spec.name);
-      if (!t) return failed("no class for the " + sys::toUtf8(spec.name) + " table");
+      AcDbSymbolTable* t = newSymbolTable(kind.name);
+      if (!t) return failed("no class for the " + sys::toUtf8(kind.name) + " table");
       if (db->addAcDbObject(tableId, t) != Acad::eOk) {
         delete t;
         return failed("a table could not be added");
       }
       t->close();
-      db->setRootId(spec.root, tableId);
+      db->setRootId(kind.root, tableId);
     }
     AcDbSymbolTable* table = nullptr;
     if (acdbOpenObject(table, tableId, AcDb::kForWrite) != Acad::eOk) return failed("a table could not be opened");
-    for (const char16_t* name : spec.standard) {
+    for (const char16_t* name : kind.standard) {
       if (table->has(name)) continue;
       auto* rec = AcDbSymbolTableRecord::cast(table->recordClass()->create());
       if (!rec) continue;

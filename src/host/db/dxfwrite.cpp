@@ -41,24 +41,24 @@ namespace {
 using dxf::GroupWriter;
 
 // Classes of the host whose objects a file lists in CLASSES, with the
-// record a file gives them: C++ name, application, proxy flags, entity.
+// record a file gives them: C++ name, proxy flags, entity. The host files
+// them as their application.
 struct StandardClass {
   const char16_t* dxfName;
   const char16_t* className;
-  const char16_t* appName;
   int32_t flags;
   bool entity;
 };
 constexpr StandardClass kStandardClasses[] = {
-    {u"ACDBDICTIONARYWDFLT", u"AcDbDictionaryWithDefault", u"ObjectDBX Classes", 0, false},
-    {u"DICTIONARYVAR", u"AcDbDictionaryVar", u"ObjectDBX Classes", 0, false},
-    {u"ACDBPLACEHOLDER", u"AcDbPlaceHolder", u"ObjectDBX Classes", 0, false},
-    {u"LAYOUT", u"AcDbLayout", u"ObjectDBX Classes", 0, false},
-    {u"SORTENTSTABLE", u"AcDbSortentsTable", u"ObjectDBX Classes", 0, false},
-    {u"IMAGE", u"AcDbRasterImage", u"ISM", 2175, true},
-    {u"IMAGEDEF", u"AcDbRasterImageDef", u"ISM", 0, false},
-    {u"IMAGEDEF_REACTOR", u"AcDbRasterImageDefReactor", u"ISM", 1, false},
-    {u"RASTERVARIABLES", u"AcDbRasterVariables", u"ISM", 0, false},
+    {u"ACDBDICTIONARYWDFLT", u"AcDbDictionaryWithDefault", 0, false},
+    {u"DICTIONARYVAR", u"AcDbDictionaryVar", 0, false},
+    {u"ACDBPLACEHOLDER", u"AcDbPlaceHolder", 0, false},
+    {u"LAYOUT", u"AcDbLayout", 0, false},
+    {u"SORTENTSTABLE", u"AcDbSortentsTable", 0, false},
+    {u"IMAGE", u"AcDbRasterImage", 2175, true},
+    {u"IMAGEDEF", u"AcDbRasterImageDef", 0, false},
+    {u"IMAGEDEF_REACTOR", u"AcDbRasterImageDefReactor", 1, false},
+    {u"RASTERVARIABLES", u"AcDbRasterVariables", 0, false},
 };
 
 const char16_t* kHostApp = u"ZEPK host";
@@ -249,7 +249,7 @@ bool Writer::classes() {
     for (const StandardClass& s : kStandardClasses) {
       if (name == s.dxfName) {
         r.className = s.className;
-        r.appName = s.appName;
+        r.appName = kHostApp;
         r.proxyFlags = s.flags;
         r.isEntity = s.entity;
         standard = true;
