@@ -59,16 +59,6 @@ Adesk::UInt32 paletteRgb(int i) {
   return out;
 }
 
-bool equalNoCase(const std::u16string& a, const std::u16string& b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    char16_t x = a[i], y = b[i];
-    if (x >= u'a' && x <= u'z') x = char16_t(x - 32);
-    if (y >= u'a' && y <= u'z') y = char16_t(y - 32);
-    if (x != y) return false;
-  }
-  return true;
-}
 
 }  // namespace
 
@@ -666,6 +656,18 @@ using zepk::db::field;
 using zepk::db::kOptional;
 using zepk::db::MemoryDxfFiler;
 
+namespace zepk::db {
+
+std::u16string recordNameOr(AcDbObjectId id, const std::u16string& kept) {
+  if (!id.isNull()) {
+    std::u16string n = recordName(id);
+    if (!n.empty() && !sameName(n, kept)) return n;
+  }
+  return kept;
+}
+
+}  // namespace zepk::db
+
 ACRX_DEFINE_HOST_CLASS(AcDbEntity, AcDbObject, nullptr, nullptr)
 ACRX_DEFINE_HOST_CLASS(AcDbCurve, AcDbEntity, nullptr, nullptr)
 
@@ -677,66 +679,10 @@ const ClassSchema& AcDbEntity::schema() {
       u"AcDbEntity",
       {
           field<&AcDbEntity::paperSpace_>(67, "PaperSpace", 0, kOptional),
-          customPart(
-              {8},
-              [](const AcDbObject* o, AcDbDxfFiler* f) {
-                return f->writeString(8, static_cast<const AcDbEntity*>(o)->layer());
-              },
-              [](AcDbObject* o, MemoryDxfFiler* f) {
-                auto* e = static_cast<AcDbEntity*>(o);
-                const DxfItem* it = f->next();
-                if (it->kind != DxfItem::String) return Acad::eInvalidResBuf;
-                e->layerName_ = it->s;
-                AcDbDatabase* db = zepk::db::filerDatabase(o, f);
-                e->layerId_ = db ? zepk::db::layerIdByName(db, it->s) : AcDbObjectId();
-                return Acad::eOk;
-              },
-              [](const AcDbObject* o, AcDbDwgFiler* f) {
-                auto* e = static_cast<const AcDbEntity*>(o);
-                f->writeHardPointerId(e->layerId_);
-                return f->writeString(e->layerName_);
-              },
-              [](AcDbObject* o, AcDbDwgFiler* f) {
-                auto* e = static_cast<AcDbEntity*>(o);
-                f->readHardPointerId(&e->layerId_);
-                return f->readString(&e->layerName_);
-              },
-              [](AcDbObject* o) {
-                auto* e = static_cast<AcDbEntity*>(o);
-                e->layerId_.setNull();
-                e->layerName_ = u"0";
-              }),
-          customPart(
-              {6},
-              [](const AcDbObject* o, AcDbDxfFiler* f) {
-                std::u16string name = static_cast<const AcDbEntity*>(o)->linetype();
-                if (!f->includesDefaultValues() && equalNoCase(name, u"ByLayer")) return Acad::eOk;
-                return f->writeString(6, name);
-              },
-              [](AcDbObject* o, MemoryDxfFiler* f) {
-                auto* e = static_cast<AcDbEntity*>(o);
-                const DxfItem* it = f->next();
-                if (it->kind != DxfItem::String) return Acad::eInvalidResBuf;
-                e->linetypeName_ = it->s;
-                AcDbDatabase* db = zepk::db::filerDatabase(o, f);
-                e->linetypeId_ = db ? zepk::db::linetypeIdByName(db, it->s) : AcDbObjectId();
-                return Acad::eOk;
-              },
-              [](const AcDbObject* o, AcDbDwgFiler* f) {
-                auto* e = static_cast<const AcDbEntity*>(o);
-                f->writeHardPointerId(e->linetypeId_);
-                return f->writeString(e->linetypeName_);
-              },
-              [](AcDbObject* o, AcDbDwgFiler* f) {
-                auto* e = static_cast<AcDbEntity*>(o);
-                f->readHardPointerId(&e->linetypeId_);
-                return f->readString(&e->linetypeName_);
-              },
-              [](AcDbObject* o) {
-                auto* e = static_cast<AcDbEntity*>(o);
-                e->linetypeId_.setNull();
-                e->linetypeName_ = u"ByLayer";
-              }),
+          zepk::db::recordRefPart<&AcDbEntity::layerId_, &AcDbEntity::layerName_, 8, zepk::db::layerIdByName,
+                                  zepk::db::RefDefault::Layer0>(),
+          zepk::db::recordRefPart<&AcDbEntity::linetypeId_, &AcDbEntity::linetypeName_, 6,
+                                  zepk::db::linetypeIdByName, zepk::db::RefDefault::ByLayer>(),
           // The colour: the index (of a true colour the nearest one) here,
           // the true colour and its book name further on.
           customPart(
@@ -854,13 +800,7 @@ void AcDbEntity::forSubents(bool doSubents, F f) {
 
 // The record's name; the name as kept when it is the same but for case (as
 // a file spelled it).
-std::u16string AcDbEntity::layer() const {
-  if (!layerId_.isNull()) {
-    std::u16string n = zepk::db::recordName(layerId_);
-    if (!n.empty() && !equalNoCase(n, layerName_)) return n;
-  }
-  return layerName_;
-}
+std::u16string AcDbEntity::layer() const { return zepk::db::recordNameOr(layerId_, layerName_); }
 
 Acad::ErrorStatus AcDbEntity::setLayer(const ACHAR* newVal, bool doSubents, bool allowHiddenLayer) {
   if (!newVal || !*newVal) return Acad::eInvalidInput;
@@ -890,13 +830,7 @@ Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId newVal, bool doSubents, bool
 
 // The record's name; the name as kept when it is the same but for case (as
 // a file spelled it).
-std::u16string AcDbEntity::linetype() const {
-  if (!linetypeId_.isNull()) {
-    std::u16string n = zepk::db::recordName(linetypeId_);
-    if (!n.empty() && !equalNoCase(n, linetypeName_)) return n;
-  }
-  return linetypeName_;
-}
+std::u16string AcDbEntity::linetype() const { return zepk::db::recordNameOr(linetypeId_, linetypeName_); }
 
 Acad::ErrorStatus AcDbEntity::setLinetype(const ACHAR* newVal, bool doSubents) {
   if (!newVal || !*newVal) return Acad::eInvalidInput;

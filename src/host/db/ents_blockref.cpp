@@ -27,35 +27,8 @@ const ClassSchema& AcDbBlockReference::schema() {
       {
           zepk::db::followsFlagPart<hasAttributes>(),
           // The block: its record in memory, its name in a file.
-          customPart(
-              {2},
-              [](const AcDbObject* o, AcDbDxfFiler* f) {
-                return f->writeString(2, static_cast<const AcDbBlockReference*>(o)->blockName());
-              },
-              [](AcDbObject* o, MemoryDxfFiler* f) {
-                auto* r = static_cast<AcDbBlockReference*>(o);
-                const DxfItem* it = f->next();
-                if (it->kind != DxfItem::String) return Acad::eInvalidResBuf;
-                r->blockName_ = it->s;
-                AcDbDatabase* db = zepk::db::filerDatabase(o, f);
-                r->blockId_ = db ? zepk::db::blockIdByName(db, it->s) : AcDbObjectId();
-                return Acad::eOk;
-              },
-              [](const AcDbObject* o, AcDbDwgFiler* f) {
-                auto* r = static_cast<const AcDbBlockReference*>(o);
-                f->writeHardPointerId(r->blockId_);
-                return f->writeString(r->blockName_);
-              },
-              [](AcDbObject* o, AcDbDwgFiler* f) {
-                auto* r = static_cast<AcDbBlockReference*>(o);
-                f->readHardPointerId(&r->blockId_);
-                return f->readString(&r->blockName_);
-              },
-              [](AcDbObject* o) {
-                auto* r = static_cast<AcDbBlockReference*>(o);
-                r->blockId_.setNull();
-                r->blockName_.clear();
-              }),
+          zepk::db::recordRefPart<&AcDbBlockReference::blockId_, &AcDbBlockReference::blockName_, 2,
+                                  zepk::db::blockIdByName, zepk::db::RefDefault::None>(),
           field<&AcDbBlockReference::position_>(10, "Position"),
           field<&AcDbBlockReference::scaleX_>(41, "ScaleX", 1.0, kOptional),
           field<&AcDbBlockReference::scaleY_>(42, "ScaleY", 1.0, kOptional),
@@ -101,23 +74,7 @@ Acad::ErrorStatus AcDbBlockReference::setBlockTableRecord(AcDbObjectId id) {
 }
 
 // The record's name, or the one kept when it is the same but for case.
-std::u16string AcDbBlockReference::blockName() const {
-  if (!blockId_.isNull()) {
-    std::u16string n = zepk::db::recordName(blockId_);
-    if (n.size() == blockName_.size()) {
-      bool same = true;
-      for (size_t i = 0; i < n.size() && same; ++i) {
-        char16_t a = n[i], b = blockName_[i];
-        if (a >= u'a' && a <= u'z') a = char16_t(a - 32);
-        if (b >= u'a' && b <= u'z') b = char16_t(b - 32);
-        same = a == b;
-      }
-      if (same) return blockName_;
-    }
-    if (!n.empty()) return n;
-  }
-  return blockName_;
-}
+std::u16string AcDbBlockReference::blockName() const { return zepk::db::recordNameOr(blockId_, blockName_); }
 
 Acad::ErrorStatus AcDbBlockReference::setBlockName(const ACHAR* name) {
   if (!name || !*name) return Acad::eInvalidInput;

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host/db/dbobjects.h"
 #include "host/db/internal.h"
 #include "host/db/memfiler.h"
 #include "host/db/schema.h"
@@ -93,6 +94,68 @@ AcDbObjectId textStyleIdByName(AcDbDatabase* db, const std::u16string& name);
 AcDbObjectId blockIdByName(AcDbDatabase* db, const std::u16string& name);
 
 // ---- custom parts that many classes use
+
+// The name of a referenced record: the record's own name, or the kept name
+// when the record has none or the two differ only in case (as a file
+// spelled it).
+std::u16string recordNameOr(AcDbObjectId id, const std::u16string& kept);
+
+// What a record reference holds when the file names none, and whether a
+// file then leaves it out.
+enum class RefDefault { Layer0, ByLayer, None, Standard };
+inline const char16_t* refDefaultName(RefDefault d) {
+  switch (d) {
+    case RefDefault::Layer0: return u"0";
+    case RefDefault::ByLayer: return u"ByLayer";
+    case RefDefault::Standard: return u"Standard";
+    default: return u"";
+  }
+}
+
+// A reference to a symbol table record (layer 8, linetype 6, block 2, text
+// style 7): an id in memory, the record's name in a file. The name read is
+// kept, so that a record not in the database yet is found later. Files
+// leave out a ByLayer linetype and the Standard style.
+template <auto Id, auto Name, int Code, AcDbObjectId (*Lookup)(AcDbDatabase*, const std::u16string&),
+          RefDefault Default>
+Field recordRefPart() {
+  using C = typename zepk::db::MemberOf<Id>::Class;
+  constexpr bool omitDefault = Default == RefDefault::ByLayer || Default == RefDefault::Standard;
+  Field f = customPart(
+      {Code},
+      [](const AcDbObject* o, AcDbDxfFiler* fl) {
+        auto* e = static_cast<const C*>(o);
+        std::u16string name = recordNameOr(e->*Id, e->*Name);
+        if (omitDefault && !fl->includesDefaultValues() && sameName(name, refDefaultName(Default)))
+          return fl->filerStatus();
+        return fl->writeString(Code, name);
+      },
+      [](AcDbObject* o, MemoryDxfFiler* fl) {
+        auto* e = static_cast<C*>(o);
+        const DxfItem* it = fl->next();
+        if (it->kind != DxfItem::String) return Acad::eInvalidResBuf;
+        e->*Name = it->s;
+        AcDbDatabase* db = filerDatabase(o, fl);
+        e->*Id = db ? Lookup(db, it->s) : AcDbObjectId();
+        return Acad::eOk;
+      },
+      [](const AcDbObject* o, AcDbDwgFiler* fl) {
+        auto* e = static_cast<const C*>(o);
+        fl->writeHardPointerId(e->*Id);
+        return fl->writeString(e->*Name);
+      },
+      [](AcDbObject* o, AcDbDwgFiler* fl) {
+        auto* e = static_cast<C*>(o);
+        fl->readHardPointerId(&(e->*Id));
+        return fl->readString(&(e->*Name));
+      },
+      [](AcDbObject* o) {
+        auto* e = static_cast<C*>(o);
+        (e->*Id).setNull();
+        e->*Name = refDefaultName(Default);
+      });
+  return f;
+}
 
 // A run of groups of one code, each a value of the vector (knots, weights,
 // control points...): one group a value, read while the code lasts.

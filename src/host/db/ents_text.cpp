@@ -17,63 +17,13 @@ namespace {
 
 const AcGeVector3d kZ(0, 0, 1);
 
-bool equalNoCase(const std::u16string& a, const std::u16string& b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    char16_t x = a[i], y = b[i];
-    if (x >= u'a' && x <= u'z') x = char16_t(x - 32);
-    if (y >= u'a' && y <= u'z') y = char16_t(y - 32);
-    if (x != y) return false;
-  }
-  return true;
-}
 
-// The record's name, or the one kept when it is the same but for case.
-std::u16string styleNameOf(AcDbObjectId id, const std::u16string& kept) {
-  if (!id.isNull()) {
-    std::u16string n = zepk::db::recordName(id);
-    if (!n.empty() && !equalNoCase(n, kept)) return n;
-  }
-  return kept;
-}
 
 // The text style (group 7): a record of the text style table, by name in
 // the file. "Standard" is the default.
 template <auto Id, auto Name>
 Field stylePart() {
-  using C = typename zepk::db::MemberOf<Id>::Class;
-  Field f = customPart(
-      {7},
-      [](const AcDbObject* o, AcDbDxfFiler* fl) {
-        auto* e = static_cast<const C*>(o);
-        std::u16string name = styleNameOf(e->*Id, e->*Name);
-        if (!fl->includesDefaultValues() && equalNoCase(name, u"Standard")) return fl->filerStatus();
-        return fl->writeString(7, name);
-      },
-      [](AcDbObject* o, MemoryDxfFiler* fl) {
-        auto* e = static_cast<C*>(o);
-        const DxfItem* it = fl->next();
-        if (it->kind != DxfItem::String) return Acad::eInvalidResBuf;
-        e->*Name = it->s;
-        AcDbDatabase* db = zepk::db::filerDatabase(o, fl);
-        e->*Id = db ? zepk::db::textStyleIdByName(db, it->s) : AcDbObjectId();
-        return Acad::eOk;
-      },
-      [](const AcDbObject* o, AcDbDwgFiler* fl) {
-        auto* e = static_cast<const C*>(o);
-        fl->writeHardPointerId(e->*Id);
-        return fl->writeString(e->*Name);
-      },
-      [](AcDbObject* o, AcDbDwgFiler* fl) {
-        auto* e = static_cast<C*>(o);
-        fl->readHardPointerId(&(e->*Id));
-        return fl->readString(&(e->*Name));
-      },
-      [](AcDbObject* o) {
-        auto* e = static_cast<C*>(o);
-        (e->*Id).setNull();
-        e->*Name = u"Standard";
-      });
+  Field f = zepk::db::recordRefPart<Id, Name, 7, zepk::db::textStyleIdByName, zepk::db::RefDefault::Standard>();
   f.name = "TextStyle";
   return f;
 }
@@ -257,7 +207,7 @@ Acad::ErrorStatus AcDbText::setTextStyle(AcDbObjectId style) {
   return Acad::eOk;
 }
 
-std::u16string AcDbText::textStyleName() const { return styleNameOf(styleId_, styleName_); }
+std::u16string AcDbText::textStyleName() const { return zepk::db::recordNameOr(styleId_, styleName_); }
 
 Acad::ErrorStatus AcDbText::setTextStyleName(const ACHAR* name) {
   if (!name || !*name) return Acad::eInvalidInput;
@@ -602,7 +552,7 @@ Acad::ErrorStatus AcDbMText::setTextStyle(AcDbObjectId style) {
   return Acad::eOk;
 }
 
-std::u16string AcDbMText::textStyleName() const { return styleNameOf(styleId_, styleName_); }
+std::u16string AcDbMText::textStyleName() const { return zepk::db::recordNameOr(styleId_, styleName_); }
 
 Acad::ErrorStatus AcDbMText::setTextStyleName(const ACHAR* name) {
   if (!name || !*name) return Acad::eInvalidInput;
