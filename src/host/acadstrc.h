@@ -68,6 +68,8 @@ enum ErrorStatus : int {
   eDuplicateRecordName = 401,
   eInvalidSymbolTableName = 402,
   eCannotBeErasedByCaller = 403,
+  // An entity or selection-set name that names nothing.
+  eInvalidAdsName = 404,
 };
 
 }  // namespace Acad

@@ -8,6 +8,7 @@
 #include <map>
 #include <unordered_map>
 
+#include "host/dxf/group.h"
 #include "host/lisp/printer.h"
 #include "host/rxmodule.h"
 #include "host/system/utf.h"
@@ -17,11 +18,12 @@ namespace zepk::lisp {
 
 // ---------------------------------------------------------------- node types
 
-// The value each type code carries. Group codes follow the DXF ranges as
-// result buffers hold them: points for 10-19, 110-112, 210 and 1010-1019
-// (the y and z codes 20-37, 120-139, 220-239 are reals when they stand
-// alone, except 220 and 230, which the coded point form uses), handles as
-// strings, object references (330-369, 390-399, 480-481) as names.
+// The value each type code carries. Group codes take their value type
+// from the one table of DXF group codes (dxf::groupType), as result buffers
+// hold them: points in one node for 10-19, 110-112, 210 and 1010-1019 (and
+// 220 and 230, which the coded point form uses); handles (5, 105, 1005) and
+// the handles kept as they are (320-329) as strings; references to objects
+// as names; booleans as 16-bit integers.
 RbKind rbKind(int t) {
   switch (t) {
     case RTNONE:
@@ -44,51 +46,25 @@ RbKind rbKind(int t) {
     case RTPICKS: return RbKind::Name;
     default: break;
   }
-  if (t >= 5000) return RbKind::Unknown;
-  if (t < -5) return RbKind::Unknown;
+  if (t >= 5000 || t < -5) return RbKind::Unknown;
   if (t == -1 || t == -2 || t == -5) return RbKind::Name;
   if (t == -3) return RbKind::None;
   if (t == -4) return RbKind::String;
-  if (t <= 9) return RbKind::String;
-  if (t <= 19) return RbKind::Point;
-  if (t <= 59) return RbKind::Real;
-  if (t <= 79) return RbKind::Short;
-  if (t <= 89) return RbKind::Unknown;
-  if (t <= 99) return RbKind::Long;
-  if (t == 100 || t == 101 || t == 102 || t == 105) return RbKind::String;
-  if (t <= 109) return RbKind::Unknown;
-  if (t <= 112) return RbKind::Point;
-  if (t <= 149) return RbKind::Real;
-  if (t <= 159) return RbKind::Unknown;
-  if (t <= 169) return RbKind::Int64;
-  if (t <= 179) return RbKind::Short;
-  if (t <= 209) return RbKind::Unknown;
-  if (t == 210 || t == 220 || t == 230) return RbKind::Point;
-  if (t <= 239) return RbKind::Real;
-  if (t <= 269) return RbKind::Unknown;
-  if (t <= 299) return RbKind::Short;
-  if (t <= 309) return RbKind::String;
-  if (t <= 319) return RbKind::Binary;
-  if (t <= 329) return RbKind::String;
-  if (t <= 369) return RbKind::Name;
-  if (t <= 389) return RbKind::Short;
-  if (t <= 399) return RbKind::Name;
-  if (t <= 409) return RbKind::Short;
-  if (t <= 419) return RbKind::String;
-  if (t <= 429) return RbKind::Long;
-  if (t <= 439) return RbKind::String;
-  if (t <= 459) return RbKind::Long;
-  if (t <= 469) return RbKind::Real;
-  if (t <= 479) return RbKind::String;
-  if (t <= 481) return RbKind::Name;
-  if (t == 999) return RbKind::String;
-  if (t >= 1000 && t <= 1003) return RbKind::String;
-  if (t == 1004) return RbKind::Binary;
-  if (t >= 1005 && t <= 1009) return RbKind::String;
-  if (t >= 1010 && t <= 1019) return RbKind::Point;
-  if (t >= 1020 && t <= 1059) return RbKind::Real;
-  if (t >= 1060 && t <= 1070) return RbKind::Short;
-  if (t == 1071) return RbKind::Long;
+  if ((t >= 10 && t <= 19) || (t >= 110 && t <= 112) || t == 210 || t == 220 || t == 230 || (t >= 1010 && t <= 1019))
+    return RbKind::Point;
+  using dxf::GroupType;
+  switch (dxf::groupType(t)) {
+    case GroupType::String: return RbKind::String;
+    case GroupType::Handle:
+      return (t == 5 || t == 105 || t == 1005 || (t >= 320 && t <= 329)) ? RbKind::String : RbKind::Name;
+    case GroupType::Binary: return RbKind::Binary;
+    case GroupType::Real: return RbKind::Real;
+    case GroupType::Int16:
+    case GroupType::Bool: return RbKind::Short;
+    case GroupType::Int32: return RbKind::Long;
+    case GroupType::Int64: return RbKind::Int64;
+    case GroupType::Unknown: break;
+  }
   return RbKind::Unknown;
 }
 
