@@ -164,3 +164,71 @@ inline bool ads_name_equal(const ads_name a, const ads_name b) { return a[0] == 
 inline void ads_name_set(const ads_name from, ads_name to) { to[0] = from[0]; to[1] = from[1]; }
 inline void ads_name_clear(ads_name n) { n[0] = n[1] = 0; }
 inline bool ads_name_nil(const ads_name n) { return n[0] == 0 && n[1] == 0; }
+
+// ---------------------------------------------------------------- drawing
+//
+// Entity data lists of the working drawing (host/entlist.h tells their
+// form). acdbEntGet gives the list without extended data, acdbEntGetX with
+// that of the applications apps names (RTSTR nodes, patterns; "*" all);
+// the caller releases the list. acdbEntMake adds an entity (or, in a run,
+// the part of a complex entity or block) and acdbEntMakeX also an object
+// that is no entity, giving its name. acdbEntMod changes the object its -1
+// group names; acdbEntUpd has nothing to redraw in this host and checks the
+// name. acdbEntDel erases an entity, or brings an erased one back.
+// acdbEntNext gives the first entity for a null name, else the next
+// (entering complex entities); acdbEntLast the last one added; acdbHandEnt
+// the object of a handle. Failures give RTERROR (RTREJ for a bad group).
+resbuf* acdbEntGet(const ads_name ent);
+resbuf* acdbEntGetX(const ads_name ent, const resbuf* apps);
+int acdbEntMod(const resbuf* ent);
+int acdbEntMake(const resbuf* ent);
+int acdbEntMakeX(const resbuf* entm, ads_name result);
+int acdbEntDel(const ads_name ent);
+int acdbEntNext(const ads_name ent, ads_name result);
+int acdbEntLast(ads_name result);
+int acdbHandEnt(const ACHAR* handle, ads_name entres);
+int acdbEntUpd(const ads_name ent);
+
+// Selection sets. acedSSGet takes the modes that need no picking: "X" (the
+// whole drawing), "L" (the last entity), "P" (the previous selection), "I"
+// (the selection made before the command), each with a filter list (see
+// host/ssfilter.h); nothing selected gives RTERROR. Sets live until
+// acedSSFree.
+int acedSSGet(const ACHAR* str, const void* pt1, const void* pt2, const resbuf* filter, ads_name ss);
+int acedSSFree(const ads_name sname);
+int acedSSLength(const ads_name sname, int32_t* len);
+int acedSSName(const ads_name ss, int32_t i, ads_name entres);
+int acedSSAdd(const ads_name ename, const ads_name sname, ads_name result);
+int acedSSDel(const ads_name ename, const ads_name ss);
+int acedSSMemb(const ads_name ename, const ads_name ss);
+int acedSSGetFirst(resbuf** gset, resbuf** pset);
+int acedSSSetFirst(const ads_name pset, const ads_name unused);
+
+// Symbol tables and dictionaries. Table names are "LAYER", "LTYPE",
+// "VIEW", "STYLE", "BLOCK", "UCS", "APPID", "DIMSTYLE", "VPORT". The lists
+// are new chains the caller releases.
+resbuf* acdbTblNext(const ACHAR* tblname, int rewind);
+resbuf* acdbTblSearch(const ACHAR* tblname, const ACHAR* sym, int setnext);
+int acdbTblObjName(const ACHAR* tblname, const ACHAR* sym, ads_name result);
+int acdbSNValid(const ACHAR* tbstr, int pipetest);
+int acdbRegApp(const ACHAR* appname);
+int acdbXdRoom(const ads_name ent, int32_t* result);
+int acdbXdSize(const resbuf* rb, int32_t* result);
+int acdbNamedObjDict(ads_name result);
+resbuf* acdbDictSearch(const ads_name dict, const ACHAR* sym, int setnext);
+resbuf* acdbDictNext(const ads_name dict, int rewind);
+int acdbDictAdd(const ads_name dict, const ACHAR* sym, const ads_name newobj);
+int acdbDictRemove(const ads_name dict, const ACHAR* symname);
+int acdbDictRename(const ads_name dictname, const ACHAR* oldsym, const ACHAR* newsym);
+
+// System variables (host/editor/sysvars.h). acedGetVar fills *result (a
+// string is malloc'd into it, for the caller to free); acedSetVar takes
+// the value's node. Unknown names and refused values give RTERROR.
+int acedGetVar(const ACHAR* sym, resbuf* result);
+int acedSetVar(const ACHAR* sym, const resbuf* val);
+
+// Points between coordinate systems: from and to are RTSHORT 0 (world),
+// 1 (the current UCS), 2 (display, the UCS in this host), an RTENAME
+// (the entity's own system) or an RT3DPOINT (the system of that normal).
+// With disp the point is a displacement.
+int acedTrans(const ads_point pt, const resbuf* from, const resbuf* to, int disp, ads_point result);

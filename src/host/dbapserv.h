@@ -26,3 +26,12 @@ AcDbHostApplicationServices* acdbHostApplicationServices();
 // one this host never gave, maps to no object (eInvalidAdsName).
 Acad::ErrorStatus acdbGetAdsName(ads_name& objName, AcDbObjectId objId);
 Acad::ErrorStatus acdbGetObjectId(AcDbObjectId& objId, const ads_name objName);
+// The same into a name given by its first word's address (a parameter of
+// type ads_name).
+inline Acad::ErrorStatus adsNameOf(int64_t* out, AcDbObjectId objId) {
+  ads_name n;
+  Acad::ErrorStatus es = acdbGetAdsName(n, objId);
+  out[0] = n[0];
+  out[1] = n[1];
+  return es;
+}

@@ -1,0 +1,29 @@
+// Selection sets of the working drawing, as the compiled acedSS* functions
+// and LISP's ss* functions share them.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/ads.h"
+#include "host/db/memfiler.h"
+#include "host/dbmain.h"
+
+namespace zepk::db {
+
+// Every entity of the drawing's spaces (model space first) that passes the
+// filter (see ssfilter.h). False with a reason for a malformed filter.
+bool selectAll(AcDbDatabase* db, const std::vector<DxfItem>& filter, std::vector<AcDbObjectId>* out,
+               std::string* why = nullptr);
+// The live ones of ids that pass the filter.
+bool filterIds(const std::vector<AcDbObjectId>& ids, const std::vector<DxfItem>& filter,
+               std::vector<AcDbObjectId>* out);
+// A new set of those entities; it becomes the previous selection.
+void makeSet(std::vector<AcDbObjectId> ids, ads_name out);
+// The members of a set, null when the name names no set.
+const std::vector<AcDbObjectId>* setMembers(const ads_name ss);
+// The entities selected before a command (ssgetfirst, sssetfirst).
+std::vector<AcDbObjectId>& pickfirstSet();
+const std::vector<AcDbObjectId>& previousSet();
+
+}  // namespace zepk::db
