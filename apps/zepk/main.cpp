@@ -18,6 +18,8 @@
 #include "host/lisp/interp.h"
 #include "host/lisp/printer.h"
 #include "host/lisp/bridge.h"
+#include "host/lisp/drawing.h"
+#include "host/dbapserv.h"
 #include "host/rxmodule.h"
 #include "host/system/codepage.h"
 #include "host/system/utf.h"
@@ -80,6 +82,10 @@ int runSession(const Options& opt) {
   lisp::Interp in;
   in.maxDepth = 30000;
   lisp::installBridge(in);
+  // The session starts with a new drawing as the one it works on.
+  std::unique_ptr<AcDbDatabase> drawing(new AcDbDatabase(true));
+  acdbHostApplicationServices()->setWorkingDatabase(drawing.get());
+  lisp::installDrawing(in);
   rx::loadAutoloadModules();
   editor::CommandLine cl(in);
 

@@ -588,6 +588,11 @@ bool makeFromGroups(const std::vector<DxfItem>& items, bool nonGraphical, AcDbOb
     r.reset();
     r.db = db;
   }
+  if (items.empty()) {
+    // No list: a run that was building something is dropped.
+    r.reset();
+    return fail(err);
+  }
   SplitList list = split(items);
   const DxfItem* typeItem = findCode(list.body, 0);
   if (!typeItem || typeItem->kind != DxfItem::String) return fail(err);

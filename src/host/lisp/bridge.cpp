@@ -192,21 +192,6 @@ struct ArgChain {
   }
 };
 
-// A selection set coming back from compiled code is the same LISP object
-// as the one that went in, when it went in as an argument of a running
-// call: the host frees a set when its last LISP object goes, and two
-// objects for one set would free it while the other still refers to it.
-Value picksetValue(const int64_t name[2]) {
-  for (auto it = gCalls.rbegin(); it != gCalls.rend(); ++it) {
-    for (const Value& a : (*it)->lispArgs) {
-      if (a.tag() == Tag::Pickset && a.as<Pickset>()->name[0] == name[0] && a.as<Pickset>()->name[1] == name[1]) {
-        return a;
-      }
-    }
-  }
-  return Value::obj(new Pickset(name[0], name[1]));
-}
-
 // ---------------------------------------------------------------- LISP to chain
 
 bool emitAtom(Chain& c, const Value& v, Value* bad) {

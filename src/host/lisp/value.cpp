@@ -9,6 +9,32 @@ namespace zepk::lisp {
 
 void (*releasePickset)(const int64_t name[2]) = nullptr;
 
+namespace {
+struct NameHash {
+  size_t operator()(const std::pair<int64_t, int64_t>& n) const noexcept {
+    return std::hash<int64_t>()(n.first) * 31 + std::hash<int64_t>()(n.second);
+  }
+};
+// The live selection-set objects by name.
+std::unordered_map<std::pair<int64_t, int64_t>, Pickset*, NameHash>& picksets() {
+  static auto* m = new std::unordered_map<std::pair<int64_t, int64_t>, Pickset*, NameHash>;
+  return *m;
+}
+}  // namespace
+
+Pickset::Pickset(int64_t a, int64_t b) : Obj(Tag::Pickset), name{a, b} { picksets()[{a, b}] = this; }
+
+Pickset::~Pickset() {
+  auto it = picksets().find({name[0], name[1]});
+  if (it != picksets().end() && it->second == this) picksets().erase(it);
+}
+
+Value picksetValue(const int64_t name[2]) {
+  auto it = picksets().find({name[0], name[1]});
+  if (it != picksets().end()) return Value::obj(it->second);
+  return Value::obj(new Pickset(name[0], name[1]));
+}
+
 FileObj::~FileObj() {
   if (fp) std::fclose(fp);
 }

@@ -157,11 +157,19 @@ struct Ename : Obj {
   int64_t name[2];
   Ename(int64_t a, int64_t b) : Obj(Tag::Ename), name{a, b} {}
 };
+// A set has one LISP object at a time (picksetValue finds it), so that the
+// host frees the set only when the last reference to it goes.
 struct Pickset : Obj {
   int64_t name[2];
-  Pickset(int64_t a, int64_t b) : Obj(Tag::Pickset), name{a, b} {}
+  Pickset(int64_t a, int64_t b);
+  ~Pickset();
+  Pickset(const Pickset&) = delete;
+  Pickset& operator=(const Pickset&) = delete;
 };
 extern void (*releasePickset)(const int64_t name[2]);
+// The LISP object of the selection set of that name: the live one when
+// there is one, else a new one.
+Value picksetValue(const int64_t name[2]);
 
 struct FileObj : Obj {
   std::FILE* fp = nullptr;
