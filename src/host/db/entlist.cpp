@@ -436,6 +436,13 @@ bool finishBlock(Run& r, std::u16string* blockName, EntListError* err) {
   }
   btClose.obj = nullptr;
   bt->close();
+  bool attdefs = false;
+  for (const Run::Pending& p : r.blockEntities)
+    if (AcDbAttributeDefinition::cast(p.ent.get())) attdefs = true;
+  if (attdefs) {
+    AcDbObjectPointer<AcDbBlockTableRecord> rec(id, AcDb::kForWrite);
+    if (rec) rec->setHasAttributeDefinitions(true);
+  }
   for (Run::Pending& p : r.blockEntities) appendTo(id, std::move(p.ent), p.xdata, p.partXData, nullptr);
   AcDbObjectPointer<AcDbBlockTableRecord> rec(id, AcDb::kForRead);
   const ACHAR* name = nullptr;
@@ -683,6 +690,20 @@ bool makeFromGroups(const std::vector<DxfItem>& items, bool nonGraphical, AcDbOb
   }
   if (const DxfItem* lt = findCode(groups, 6)) {
     if (lt->kind != DxfItem::String || linetypeIdByName(db, lt->s).isNull()) return abandon(false);
+  }
+  // Records named by the list must exist: the block of an insert, the
+  // text style of a text.
+  if (type == u"INSERT" || type == u"MINSERT") {
+    const DxfItem* b = findCode(groups, 2);
+    if (!b || b->kind != DxfItem::String || blockByName(db, b->s).isNull()) return abandon(false);
+  }
+  if (const DxfItem* st = findCode(groups, 7);
+      st && (type == u"TEXT" || type == u"MTEXT" || type == u"ATTDEF" || type == u"ATTRIB")) {
+    AcDbTextStyleTable* t = nullptr;
+    bool has = st->kind == DxfItem::String && db->getTextStyleTable(t, AcDb::kForRead) == Acad::eOk &&
+               t->has(st->s.c_str());
+    if (t) t->close();
+    if (!has) return abandon(false);
   }
 
   const bool part = type == u"VERTEX" || type == u"ATTRIB";

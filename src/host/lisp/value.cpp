@@ -46,6 +46,10 @@ bool Value::identical(const Value& v) const {
     case Tag::Int: return i_ == v.i_;
     case Tag::Real: return r_ == v.r_;
     case Tag::Sym: return s_ == v.s_;
+    // An entity name is the host's name of the entity: two LISP objects
+    // that hold one name are one entity, as eq sees them in the host.
+    case Tag::Ename:
+      return o_ == v.o_ || (as<Ename>()->name[0] == v.as<Ename>()->name[0] && as<Ename>()->name[1] == v.as<Ename>()->name[1]);
     default: return o_ == v.o_;
   }
 }
