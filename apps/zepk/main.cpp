@@ -10,6 +10,7 @@
 #include <cstring>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -79,12 +80,13 @@ void interactive(editor::CommandLine& cl, lisp::Interp& in) {
 }
 
 int runSession(const Options& opt) {
+  // The session starts with a new drawing as the one it works on; it
+  // outlives the interpreter, whose values may name its objects.
+  std::unique_ptr<AcDbDatabase> drawing(new AcDbDatabase(true));
+  acdbHostApplicationServices()->setWorkingDatabase(drawing.get());
   lisp::Interp in;
   in.maxDepth = 30000;
   lisp::installBridge(in);
-  // The session starts with a new drawing as the one it works on.
-  std::unique_ptr<AcDbDatabase> drawing(new AcDbDatabase(true));
-  acdbHostApplicationServices()->setWorkingDatabase(drawing.get());
   lisp::installDrawing(in);
   rx::loadAutoloadModules();
   editor::CommandLine cl(in);
