@@ -112,3 +112,28 @@
 ; Objects that are no entities come from entmakex.
 (type (setq xr (entmakex '((0 . "XRECORD") (100 . "AcDbXrecord") (1 . "survey") (40 . 12.5)))))
 (shown (entget xr))
+
+; Paper space: by (67 . 1) or by layout name; entnext walks model space
+; first, then paper space.
+(entmake '((0 . "LINE") (67 . 1) (10 0 0 0) (11 1 1 0)))
+(type (setq ps (entlast)))
+(mapcar '(lambda (c) (assoc c (entget ps))) '(67 410))
+(entmake '((0 . "CIRCLE") (410 . "Model") (10 0 0 0) (40 . 1)))
+(mapcar '(lambda (c) (assoc c (entget (entlast)))) '(67 410))
+(entmake '((0 . "LINE") (410 . "No such layout") (10 0 0 0) (11 1 1 0)))
+(type (setq walk nil e (entnext)))
+(while e (setq walk (cons (cdr (assoc 0 (entget e))) walk) e (entnext e)))
+(reverse walk)
+; A list from entget makes a copy of the entity.
+(defun strip (ed) (vl-remove-if '(lambda (g) (member (car g) '(-1 5))) ed))
+(length (setq orig (entget ci '("*"))))
+(length (entmake orig))
+(equal (strip orig) (strip (entget (entlast) '("*"))))
+; After a complex entity's SEQEND the walk goes on with what follows it.
+(entmake '((0 . "POLYLINE") (66 . 1)))
+(entmake '((0 . "VERTEX") (10 0 0 0)))
+(entmake '((0 . "SEQEND")))
+(entmake '((0 . "POINT") (10 0 0 0)))
+(type (setq walk nil e (entnext pl)))
+(while e (setq walk (cons (cdr (assoc 0 (entget e))) walk) e (entnext e)))
+(reverse walk)

@@ -902,12 +902,15 @@ AcDbObjectId nextEntity(AcDbDatabase* db, AcDbObjectId id) {
   AcDbObjectPointer<AcDbEntity> ownerEnt(owner, AcDb::kForRead, true);
   if (ownerEnt) {
     // Within a complex entity: the next part, then the SEQEND; after the
-    // SEQEND the walk is over the owner's followers.
+    // SEQEND the walk goes on after the owner.
     AcDbObjectIdArray parts = subentityIds(ownerEnt.object());
     AcDbObjectId end = sequenceEndId(ownerEnt.object());
     auto at = std::find(parts.begin(), parts.end(), id);
     if (at != parts.end()) return at + 1 != parts.end() ? *(at + 1) : end;
-    return {};
+    if (id != end) return {};
+    id = owner;
+    owner = ownerEnt->ownerId();
+    ownerEnt.close();
   }
   AcDbObjectPointer<AcDbBlockTableRecord> btr(owner, AcDb::kForRead);
   if (!btr) return {};
