@@ -232,3 +232,11 @@ int acedSetVar(const ACHAR* sym, const resbuf* val);
 // (the entity's own system) or an RT3DPOINT (the system of that normal).
 // With disp the point is a displacement.
 int acedTrans(const ads_point pt, const resbuf* from, const resbuf* to, int disp, ads_point result);
+
+// The same between the world and the current user system, and between the
+// world and the system of an entity with the given normal; vec makes the
+// point a vector. False when the normal is zero.
+bool acdbUcs2Wcs(const ads_point p, ads_point q, bool vec);
+bool acdbWcs2Ucs(const ads_point p, ads_point q, bool vec);
+bool acdbEcs2Wcs(const ads_point p, ads_point q, const ads_point normal, bool vec);
+bool acdbWcs2Ecs(const ads_point p, ads_point q, const ads_point normal, bool vec);

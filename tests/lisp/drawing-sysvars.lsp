@@ -89,3 +89,10 @@
 (trans '(1 2 3) 0 5)
 (trans '(1 2 3) 0 '(0 0 0))
 (trans "x" 0 1)
+; Names of records take the records' own spelling.
+(setvar "CELTYPE" "continuous")
+(getvar "CELTYPE")
+(setvar "TEXTSTYLE" "STANDARD")
+(getvar "TEXTSTYLE")
+(setvar "CMLSTYLE" "standard")
+(setvar "CMLSTYLE" "No such style")

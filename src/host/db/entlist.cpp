@@ -280,8 +280,6 @@ SplitList split(const std::vector<DxfItem>& items) {
   return s;
 }
 
-resbuf* xdataChain(const std::vector<DxfItem>& x) { return groupsToChain(x); }
-
 // Every application the extended data names must be registered.
 bool appsRegistered(AcDbDatabase* db, const std::vector<DxfItem>& x) {
   AcDbRegAppTable* t = nullptr;
@@ -298,7 +296,7 @@ bool appsRegistered(AcDbDatabase* db, const std::vector<DxfItem>& x) {
 
 Acad::ErrorStatus applyXData(AcDbObject* obj, const std::vector<DxfItem>& x) {
   if (x.empty()) return Acad::eOk;
-  resbuf* chain = xdataChain(x);
+  resbuf* chain = groupsToChain(x);
   Acad::ErrorStatus es = obj->setXData(chain);
   acutRelRb(chain);
   return es;
@@ -844,7 +842,6 @@ bool modifyFromGroups(const std::vector<DxfItem>& items, EntListError* err) {
                                return braces || it.code == 330 || it.code == 360;
                              }),
               given.end());
-  // ... but the owner of a class part (a dictionary entry) is data.
   if (const DxfItem* layer = findCode(given, 8)) {
     if (layer->kind != DxfItem::String || layer->s.empty() || ensureLayer(db, layer->s).isNull()) {
       obj->close();

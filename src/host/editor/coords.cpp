@@ -104,3 +104,29 @@ int acedTrans(const ads_point pt, const resbuf* from, const resbuf* to, int disp
   editor::transPoint(pt, a, b, disp != 0, result);
   return RTNORM;
 }
+
+bool acdbUcs2Wcs(const ads_point p, ads_point q, bool vec) {
+  if (!p || !q) return false;
+  editor::transPoint(p, editor::currentUcs(), editor::CoordSys(), vec, q);
+  return true;
+}
+
+bool acdbWcs2Ucs(const ads_point p, ads_point q, bool vec) {
+  if (!p || !q) return false;
+  editor::transPoint(p, editor::CoordSys(), editor::currentUcs(), vec, q);
+  return true;
+}
+
+bool acdbEcs2Wcs(const ads_point p, ads_point q, const ads_point normal, bool vec) {
+  editor::CoordSys ecs;
+  if (!p || !q || !normal || !editor::normalCs(normal, &ecs)) return false;
+  editor::transPoint(p, ecs, editor::CoordSys(), vec, q);
+  return true;
+}
+
+bool acdbWcs2Ecs(const ads_point p, ads_point q, const ads_point normal, bool vec) {
+  editor::CoordSys ecs;
+  if (!p || !q || !normal || !editor::normalCs(normal, &ecs)) return false;
+  editor::transPoint(p, editor::CoordSys(), ecs, vec, q);
+  return true;
+}

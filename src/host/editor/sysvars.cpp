@@ -327,9 +327,16 @@ SysValue computedValue(const Def& d) {
   return defaultOf(d);
 }
 
-bool hasRecord(AcDbObjectId table, const std::u16string& name) {
+// Whether the table has a record of the name; the name becomes the
+// record's own spelling.
+bool hasRecord(AcDbObjectId table, std::u16string& name) {
   AcDbObjectPointer<AcDbSymbolTable> t(table, AcDb::kForRead);
-  return t && t->has(name.c_str());
+  AcDbObjectId id;
+  if (!t || t->getAt(name.c_str(), id) != Acad::eOk) return false;
+  AcDbObjectPointer<AcDbSymbolTableRecord> rec(id, AcDb::kForRead);
+  const ACHAR* own = nullptr;
+  if (rec && rec->getName(own) == Acad::eOk && own) name = own;
+  return true;
 }
 
 // Checks a value of the variable's type against its rules; may put it in
@@ -357,7 +364,10 @@ bool meetsRule(const Def& d, SysValue& v) {
     }
     case Rule::Linetype: return db && hasRecord(db->linetypeTableId(), v.s);
     case Rule::TextStyle: return db && hasRecord(db->textStyleTableId(), v.s);
-    case Rule::MlineStyle: return true;
+    case Rule::MlineStyle: {
+      AcDbObjectPointer<AcDbDictionary> styles(db ? db->mLStyleDictionaryId() : AcDbObjectId(), AcDb::kForRead);
+      return styles && styles->has(v.s.c_str());
+    }
     case Rule::Color: {
       std::u16string u = upper(v.s);
       if (u == u"BYLAYER") v.i = 256;

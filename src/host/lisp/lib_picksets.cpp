@@ -40,7 +40,6 @@ Value fnSsget(Interp& in, ArgSpan a) {
   if (filter) {
     Value bad;
     if (!listToGroups(*filter, &groups, &bad)) in.fail(u"bad SSGET list value");
-    std::string why;
     std::vector<AcDbObjectId> none;
     if (!db::filterIds({}, groups, &none)) in.fail(u"bad SSGET list value");
   }

@@ -13,6 +13,7 @@
 
 #include "host/db/dxffile.h"
 #include "host/dbapserv.h"
+#include "host/editor/sysvars.h"
 #include "host/lisp/bridge.h"
 #include "host/lisp/drawing.h"
 #include "host/lisp/printer.h"
@@ -321,6 +322,47 @@ TEST_F(Drawing, EntityNamesOfAClosedDrawingNameNothing) {
   EXPECT_EQ(eval("(entdel old)"), "nil");
   ads_name forged = {12345, 0};
   EXPECT_EQ(acdbGetObjectId(id, forged), Acad::eInvalidAdsName);
+}
+
+}  // namespace
+
+namespace {
+
+// A user system turned a quarter turn about Z and moved to (10, 20, 0):
+// points go between it and the world both ways, displacements without the
+// origin, and the display system is the user system.
+TEST_F(Drawing, TransAndTheUserCoordinateSystem) {
+  const double origin[3] = {10, 20, 0}, x[3] = {0, 2, 0}, y[3] = {-1, 0.5, 0};
+  ASSERT_TRUE(editor::setCurrentUcs(origin, x, y));
+  EXPECT_EQ(eval("(getvar \"UCSXDIR\")"), "(0.0 1.0 0.0)");
+  EXPECT_EQ(eval("(getvar \"UCSYDIR\")"), "(-1.0 0.0 0.0)");
+  EXPECT_EQ(eval("(getvar \"WORLDUCS\")"), "0");
+  EXPECT_EQ(eval("(trans '(1 2 3) 1 0)"), "(8.0 21.0 3.0)");
+  EXPECT_EQ(eval("(trans '(8 21 3) 0 1)"), "(1.0 2.0 3.0)");
+  EXPECT_EQ(eval("(trans '(1 2 3) 1 0 T)"), "(-2.0 1.0 3.0)");
+  EXPECT_EQ(eval("(trans '(1 2 3) 1 2)"), "(1.0 2.0 3.0)");
+  ads_point p = {1, 2, 3}, q;
+  ASSERT_TRUE(acdbUcs2Wcs(p, q, false));
+  EXPECT_DOUBLE_EQ(q[0], 8);
+  EXPECT_DOUBLE_EQ(q[1], 21);
+  ASSERT_TRUE(acdbWcs2Ucs(q, q, false));
+  EXPECT_DOUBLE_EQ(q[0], 1);
+  EXPECT_DOUBLE_EQ(q[1], 2);
+  // An entity's system follows its normal, not the user system.
+  ads_point n = {0, 0, -1}, e;
+  ASSERT_TRUE(acdbWcs2Ecs(p, e, n, false));
+  EXPECT_DOUBLE_EQ(e[0], -1);
+  EXPECT_DOUBLE_EQ(e[1], 2);
+  EXPECT_DOUBLE_EQ(e[2], -3);
+  ads_point zero = {0, 0, 0};
+  EXPECT_FALSE(acdbEcs2Wcs(p, e, zero, false));
+  // The user system is the drawing's: it is saved with it.
+  const std::string path = tempPath("ucs.dxf");
+  std::string error;
+  ASSERT_TRUE(db::writeDxf(db_.get(), path, &error)) << error;
+  reopen(path);
+  EXPECT_EQ(eval("(getvar \"UCSORG\")"), "(10.0 20.0 0.0)");
+  EXPECT_EQ(eval("(trans '(1 2 3) 1 0)"), "(8.0 21.0 3.0)");
 }
 
 }  // namespace
