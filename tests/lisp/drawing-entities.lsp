@@ -137,3 +137,10 @@
 (type (setq walk nil e (entnext pl)))
 (while e (setq walk (cons (cdr (assoc 0 (entget e))) walk) e (entnext e)))
 (reverse walk)
+; A space is no block to insert; a block needs a valid name.
+(entmake '((0 . "INSERT") (2 . "*Model_Space") (10 0 0 0)))
+(entmake '((0 . "BLOCK") (2 . "bad<name") (10 0 0 0)))
+(entmake '((0 . "ENDBLK")))
+(entmake '((0 . "BLOCK") (2 . "*U") (70 . 1) (10 0 0 0)))
+(entmake '((0 . "LINE") (10 0 0 0) (11 1 1 0)))
+(wcmatch (entmake '((0 . "ENDBLK"))) "`*U#*")

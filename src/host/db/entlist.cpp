@@ -76,7 +76,8 @@ size_t findMarker(const std::vector<DxfItem>& items, std::u16string_view name) {
 // their defaults (colour and linetype by layer, line weight, linetype
 // scale, visibility, transparency): what the file filer leaves out of the
 // AcDbEntity part, except the space (67), which the list always shows.
-// Thickness (39) likewise only shows when it is not zero.
+// Thickness (39) likewise only shows when it is not zero, and the flag of
+// entities following (66) when it is set.
 std::vector<DxfItem> pruneDefaults(const std::vector<DxfItem>& all, const std::vector<DxfItem>& file) {
   std::vector<DxfItem> out;
   size_t ent = findMarker(all, u"AcDbEntity");
@@ -93,6 +94,8 @@ std::vector<DxfItem> pruneDefaults(const std::vector<DxfItem>& all, const std::v
     const DxfItem& it = all[i];
     if (i > ent && i < entEnd && it.code != 67 && it.code != 8 && !inFilePart(it.code)) continue;
     if (it.code == 39 && !fileHasThickness && it.kind == DxfItem::Real && it.p[0] == 0.0) continue;
+    // "Entities follow" shows only when they do.
+    if (it.code == 66 && it.kind == DxfItem::Int && it.i == 0) continue;
     out.push_back(it);
   }
   return out;
@@ -252,7 +255,7 @@ const std::vector<int>& requiredCodes(const std::u16string& type) {
       {u"TEXT", {10, 40, 1}},   {u"ATTRIB", {10, 40, 1, 2}}, {u"ATTDEF", {10, 40, 1, 2, 3}},
       {u"INSERT", {2, 10}},     {u"SOLID", {10, 11, 12}},   {u"TRACE", {10, 11, 12}},   {u"3DFACE", {10, 11, 12}},
       {u"ELLIPSE", {10, 11, 40}}, {u"MTEXT", {10}},         {u"LWPOLYLINE", {10}},      {u"VERTEX", {10}},
-      {u"RAY", {10, 11}},       {u"XLINE", {10, 11}},       {u"SPLINE", {}},
+      {u"RAY", {10, 11}},       {u"XLINE", {10, 11}},       {u"HATCH", {2, 91}},
   };
   static const std::vector<int> none;
   auto it = table.find(type);
@@ -693,7 +696,10 @@ bool makeFromGroups(const std::vector<DxfItem>& items, bool nonGraphical, AcDbOb
   // text style of a text.
   if (type == u"INSERT" || type == u"MINSERT") {
     const DxfItem* b = findCode(groups, 2);
-    if (!b || b->kind != DxfItem::String || blockByName(db, b->s).isNull()) return abandon(false);
+    if (!b || b->kind != DxfItem::String) return abandon(false);
+    // A space is no block to insert.
+    AcDbObjectPointer<AcDbBlockTableRecord> block(blockByName(db, b->s), AcDb::kForRead);
+    if (!block || block->isLayout()) return abandon(false);
   }
   if (const DxfItem* st = findCode(groups, 7);
       st && (type == u"TEXT" || type == u"MTEXT" || type == u"ATTDEF" || type == u"ATTRIB")) {
