@@ -56,7 +56,10 @@ AcDbObjectIdArray spaceEntities(AcDbDatabase* db) {
     AcDbObjectPointer<AcDbBlockTableRecord> b(id, AcDb::kForRead);
     const ACHAR* name = nullptr;
     if (b) b->getName(name);
-    return name && std::u16string_view(name).size() == 12 && (name[1] == u'M' || name[1] == u'm');
+    std::u16string n = name ? name : u"";
+    for (char16_t& c : n)
+      if (c >= u'a' && c <= u'z') c = static_cast<char16_t>(c - u'a' + u'A');
+    return n == u"*MODEL_SPACE";
   });
   for (AcDbObjectId bid : blocks) {
     AcDbObjectPointer<AcDbBlockTableRecord> b(bid, AcDb::kForRead);
