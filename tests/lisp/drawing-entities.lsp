@@ -144,3 +144,8 @@
 (entmake '((0 . "BLOCK") (2 . "*U") (70 . 1) (10 0 0 0)))
 (entmake '((0 . "LINE") (10 0 0 0) (11 1 1 0)))
 (wcmatch (entmake '((0 . "ENDBLK"))) "`*U#*")
+; Groups a class does not take are left out.
+(entmake '((0 . "CIRCLE") (10 0 0 0) (40 . 1) (41 . 2.0) (999 . "comment")))
+(mapcar '(lambda (c) (assoc c (entget (entlast)))) '(40 41 999))
+(length (entmod (list (cons -1 (entlast)) '(41 . 3.0) '(40 . 2.0))))
+(mapcar '(lambda (c) (assoc c (entget (entlast)))) '(40 41 999))

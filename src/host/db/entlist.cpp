@@ -326,6 +326,31 @@ std::vector<DxfItem> readable(const std::vector<DxfItem>& body, bool forNew) {
   return out;
 }
 
+// The groups an entity keeps that its class does not model, by part. A
+// list given to entmake or entmod adds none: groups its class does not
+// take are left out, as the host leaves them; an entity keeps those its
+// file gave it.
+using UnmodelledGroups = std::vector<std::pair<const ClassSchema*, std::vector<ExtraGroup>>>;
+
+UnmodelledGroups unmodelledGroups(const AcDbObject* obj) {
+  UnmodelledGroups out;
+  const auto* e = AcDbEntity::cast(obj);
+  if (const EntityExtras* x = e ? EntityAccess::extras(e, false) : nullptr)
+    for (const PartState& p : x->parts) out.emplace_back(p.schema, p.extras);
+  return out;
+}
+
+void setUnmodelledGroups(AcDbObject* obj, const UnmodelledGroups& kept) {
+  auto* e = AcDbEntity::cast(obj);
+  EntityExtras* x = e ? EntityAccess::extras(e, false) : nullptr;
+  if (!x) return;
+  for (PartState& p : x->parts) {
+    p.extras.clear();
+    for (const auto& [schema, extras] : kept)
+      if (schema == p.schema) p.extras = extras;
+  }
+}
+
 // Reads the groups into an object, adding the subclass markers a list
 // without them leaves out.
 bool readGroups(AcDbObject* obj, const std::u16string& type, std::vector<DxfItem> groups, int polylineFlags) {
@@ -337,7 +362,9 @@ bool readGroups(AcDbObject* obj, const std::u16string& type, std::vector<DxfItem
   MemoryDxfFiler f(AcDb::kBagFiler, obj->database() ? obj->database() : workingDb());
   f.items() = std::move(groups);
   Acad::ErrorStatus es = obj->dxfInFields(&f);
-  return es == Acad::eOk && f.atEOF();
+  if (es != Acad::eOk || !f.atEOF()) return false;
+  setUnmodelledGroups(obj, {});
+  return true;
 }
 
 // The run of entmake calls that builds a complex entity or a block.
@@ -863,11 +890,13 @@ bool modifyFromGroups(const std::vector<DxfItem>& items, EntListError* err) {
   std::vector<DxfItem> merged = mergeGroups(all.items(), given, type);
   MemoryDxfFiler f(AcDb::kBagFiler, db);
   f.items() = std::move(merged);
+  UnmodelledGroups kept = unmodelledGroups(obj);
   Acad::ErrorStatus es = obj->dxfInFields(&f);
   if (es != Acad::eOk || !f.atEOF()) {
     obj->cancel();
     return fail(err);
   }
+  setUnmodelledGroups(obj, kept);
   if (list.hasXData && applyXData(obj, list.xdata) != Acad::eOk) {
     obj->cancel();
     return fail(err);

@@ -366,3 +366,31 @@ TEST_F(Drawing, TransAndTheUserCoordinateSystem) {
 }
 
 }  // namespace
+
+namespace {
+
+// Groups a file gives an entity that its class does not model stay through
+// entmod; groups a list gives that the class does not take are dropped.
+TEST_F(Drawing, EntmodKeepsWhatTheFileGave) {
+  ASSERT_EQ(eval("(length (entmake '((0 . \"LINE\") (10 0 0 0) (11 5 0 0))))"), "3");
+  std::string bytes, error;
+  ASSERT_TRUE(db::writeDxfBytes(db_.get(), &bytes, &error)) << error;
+  const std::string eol = bytes.find("\r\n") != std::string::npos ? "\r\n" : "\n";
+  size_t at = bytes.find(eol + "AcDbLine" + eol);
+  ASSERT_NE(at, std::string::npos);
+  at += eol.size() + 8 + eol.size() - 1;
+  bytes.insert(at + 1, "  1" + eol + "kept by the file" + eol);
+  std::unique_ptr<AcDbDatabase> read;
+  ASSERT_TRUE(db::readDxfBytes(bytes, &read, &error)) << error;
+  db_ = std::move(read);
+  acdbHostApplicationServices()->setWorkingDatabase(db_.get());
+  EXPECT_EQ(eval("(setq e (entlast)) (cdr (assoc 1 (entget e)))"), "\"kept by the file\"");
+  EXPECT_EQ(eval("(length (entmod (list (cons -1 e) '(8 . \"Moved\") '(62 . 2) '(999 . \"not kept\"))))"), "4");
+  EXPECT_EQ(eval("(mapcar '(lambda (c) (cdr (assoc c (entget e)))) '(1 8 62 999))"),
+            "(\"kept by the file\" \"Moved\" 2 nil)");
+  ASSERT_TRUE(db::writeDxfBytes(db_.get(), &bytes, &error)) << error;
+  EXPECT_NE(bytes.find("kept by the file"), std::string::npos);
+  EXPECT_EQ(bytes.find("not kept"), std::string::npos);
+}
+
+}  // namespace
