@@ -73,6 +73,20 @@
 (angtof "45d0'0\"")
 (setvar "AUNITS" 0)
 (setvar "AUPREC" 0)
+; Directions measured from ANGBASE, clockwise with ANGDIR 1 (azimuths
+; from north); surveyor's bearings stay absolute.
+(setvar "ANGBASE" (/ pi 2))
+(setvar "ANGDIR" 1)
+(angtos 0.0)
+(angtos (/ pi 2))
+(angtos pi)
+(angtof "90")
+(angtof "270")
+(angtos (/ pi 4) 4 0)
+(angtof "N45dE" 4)
+(setvar "ANGBASE" 0)
+(setvar "ANGDIR" 0)
+(angtos 0.0)
 ; trans: world, the current user system, entity systems by normal or name.
 (trans '(1 2 3) 0 1)
 (trans '(1 2 3) 1 0)

@@ -3,6 +3,7 @@
 //
 // Text is UTF-16; lengths and positions count UTF-16 units. substr counts
 // from 1, the vl-string- functions from 0.
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -201,21 +202,53 @@ Value fnDistof(Interp& in, ArgSpan a) {
   return v ? Value::real(*v) : Value();
 }
 
+// The drawing's angle base and sense (ANGBASE, ANGDIR). Angles show as
+// the host shows directions: measured from the base, clockwise when ANGDIR
+// is 1. Surveyor's bearings (mode 4) name absolute directions and are left
+// as they are.
+struct AngleFrame {
+  double base = 0;
+  bool clockwise = false;
+  bool applies(int mode) const { return mode != 4 && (base != 0 || clockwise); }
+};
+
+AngleFrame angleFrame(Interp& in) {
+  AngleFrame f;
+  if (!in.sysvar) return f;
+  Value b = in.sysvar("ANGBASE");
+  if (b.isNumber()) f.base = b.asNumber();
+  f.clockwise = in.sysvarInt("ANGDIR", 0) == 1;
+  return f;
+}
+
 // (angtos angle [mode [precision]]): defaults from AUNITS and AUPREC.
 Value fnAngtos(Interp& in, ArgSpan a) {
   checkArgc(in, a, 1, 3);
   double v = argNum(in, a[0]);
   int mode = modeArg(in, a, 1, "AUNITS", 0, 0, kMaxAngularMode);
   int prec = precArg(in, a, 2, "AUPREC", 0);
+  AngleFrame f = angleFrame(in);
+  if (f.applies(mode)) v = f.clockwise ? f.base - v : v - f.base;
   return str(formatAngle(v, mode, prec, unitStyle(in)));
 }
 
+// (angtof string [mode]): the absolute angle in radians of a direction
+// written as angtos writes it.
 Value fnAngtof(Interp& in, ArgSpan a) {
   checkArgc(in, a, 1, 2);
   const std::u16string& s = argStr(in, a[0]);
   int mode = modeArg(in, a, 1, "AUNITS", 0, 0, kMaxAngularMode);
   std::optional<double> v = parseAngle(s, mode);
-  return v ? Value::real(*v) : Value();
+  if (!v) return Value();
+  AngleFrame f = angleFrame(in);
+  if (f.applies(mode)) {
+    double r = f.clockwise ? f.base - *v : f.base + *v;
+    const double full = 2 * 3.14159265358979323846;
+    r = std::fmod(r, full);
+    if (r < 0) r += full;
+    v = r;
+  }
+  return Value::real(*v);
 }
 
 // ---- the vl-string family
