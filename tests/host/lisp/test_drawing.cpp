@@ -12,6 +12,7 @@
 #include <string>
 
 #include "host/db/dxffile.h"
+#include "host/dxf/group.h"
 #include "host/dbapserv.h"
 #include "host/editor/sysvars.h"
 #include "host/lisp/bridge.h"
@@ -391,6 +392,38 @@ TEST_F(Drawing, EntmodKeepsWhatTheFileGave) {
   ASSERT_TRUE(db::writeDxfBytes(db_.get(), &bytes, &error)) << error;
   EXPECT_NE(bytes.find("kept by the file"), std::string::npos);
   EXPECT_EQ(bytes.find("not kept"), std::string::npos);
+}
+
+}  // namespace
+
+namespace {
+
+// Result buffers take each group code's value type from the one table of
+// group codes: only points (held in one node) and handles (held as text)
+// differ in form.
+TEST(GroupNodes, ValueTypesFollowTheGroupCodeTable) {
+  using lisp::RbKind;
+  using dxf::GroupType;
+  for (int code = 0; code <= 1071; ++code) {
+    RbKind k = lisp::rbKind(code);
+    switch (dxf::groupType(code)) {
+      case GroupType::Real: EXPECT_TRUE(k == RbKind::Real || k == RbKind::Point) << code; break;
+      case GroupType::Int16:
+      case GroupType::Bool: EXPECT_EQ(k, RbKind::Short) << code; break;
+      case GroupType::Int32: EXPECT_EQ(k, RbKind::Long) << code; break;
+      case GroupType::Int64: EXPECT_EQ(k, RbKind::Int64) << code; break;
+      case GroupType::String: EXPECT_EQ(k, RbKind::String) << code; break;
+      case GroupType::Binary: EXPECT_EQ(k, RbKind::Binary) << code; break;
+      case GroupType::Handle: EXPECT_TRUE(k == RbKind::Name || k == RbKind::String) << code; break;
+      case GroupType::Unknown: EXPECT_EQ(k, RbKind::Unknown) << code; break;
+    }
+  }
+  EXPECT_EQ(lisp::rbKind(10), RbKind::Point);
+  EXPECT_EQ(lisp::rbKind(5), RbKind::String);
+  EXPECT_EQ(lisp::rbKind(330), RbKind::Name);
+  EXPECT_EQ(lisp::rbKind(1005), RbKind::String);
+  EXPECT_EQ(lisp::rbKind(-1), RbKind::Name);
+  EXPECT_EQ(lisp::rbKind(-4), RbKind::String);
 }
 
 }  // namespace
