@@ -2,6 +2,7 @@
 #include <unordered_map>
 
 #include "host/dbapserv.h"
+#include "host/ol_errno.h"
 
 namespace {
 
@@ -57,4 +58,9 @@ Acad::ErrorStatus acdbGetObjectId(AcDbObjectId& objId, const ads_name objName) {
   if (!stub) return Acad::eInvalidAdsName;
   objId = AcDbObjectId(stub);
   return Acad::eOk;
+}
+
+int& zepk::hostErrno() {
+  static int value = OL_GOOD;
+  return value;
 }

@@ -3,6 +3,7 @@
 #include "host/dbapserv.h"
 #include "host/dbents.h"
 #include "host/entlist.h"
+#include "host/ol_errno.h"
 
 using namespace zepk;
 
@@ -10,12 +11,22 @@ namespace {
 
 AcDbDatabase* workingDb() { return acdbHostApplicationServices()->workingDatabase(); }
 
-bool idOf(const ads_name n, AcDbObjectId& id) { return n && acdbGetObjectId(id, n) == Acad::eOk && !id.isNull(); }
+// The object of a name; a name of nothing sets ERRNO.
+bool idOf(const ads_name n, AcDbObjectId& id) {
+  if (n && acdbGetObjectId(id, n) == Acad::eOk && !id.isNull()) return true;
+  hostErrno() = OL_ENAMEVALID;
+  return false;
+}
 
-int nameResult(AcDbObjectId id, ads_name out) {
+int failWith(int code) {
+  hostErrno() = code;
+  return RTERROR;
+}
+
+int nameResult(AcDbObjectId id, ads_name out, int missing) {
   if (!out) return RTERROR;
   ads_name_clear(out);
-  if (id.isNull()) return RTERROR;
+  if (id.isNull()) return failWith(missing);
   return adsNameOf(out, id) == Acad::eOk ? RTNORM : RTERROR;
 }
 
@@ -66,25 +77,28 @@ int acdbEntMakeX(const resbuf* entm, ads_name result) { return makeFrom(entm, tr
 int acdbEntDel(const ads_name ent) {
   AcDbObjectId id;
   if (!idOf(ent, id)) return RTERROR;
-  return db::toggleErased(id) == Acad::eOk ? RTNORM : RTERROR;
+  Acad::ErrorStatus es = db::toggleErased(id);
+  if (es == Acad::eOnLockedLayer) return failWith(OL_EMMLL);
+  return es == Acad::eOk ? RTNORM : RTERROR;
 }
 
 int acdbEntNext(const ads_name ent, ads_name result) {
   AcDbObjectId id;
   if (ent && !ads_name_nil(ent) && !idOf(ent, id)) return RTERROR;
-  return nameResult(db::nextEntity(workingDb(), id), result);
+  return nameResult(db::nextEntity(workingDb(), id), result, OL_EEOEF);
 }
 
-int acdbEntLast(ads_name result) { return nameResult(db::lastEntity(workingDb()), result); }
+int acdbEntLast(ads_name result) { return nameResult(db::lastEntity(workingDb()), result, OL_EEMPDB); }
 
 int acdbHandEnt(const ACHAR* handle, ads_name entres) {
   if (!handle) return RTERROR;
-  return nameResult(db::objectByHandle(workingDb(), handle), entres);
+  return nameResult(db::objectByHandle(workingDb(), handle), entres, OL_EHANDLE);
 }
 
 int acdbEntUpd(const ads_name ent) {
   AcDbObjectId id;
-  if (!idOf(ent, id) || id.isErased()) return RTERROR;
+  if (!idOf(ent, id)) return RTERROR;
+  if (id.isErased()) return failWith(OL_ENAMEVALID);
   AcDbObjectPointer<AcDbEntity> e(id, AcDb::kForRead);
   return e ? RTNORM : RTERROR;
 }

@@ -18,6 +18,7 @@
 #include "host/dbsymtb.h"
 #include "host/lisp/bridge.h"
 #include "host/lisp/wildcard.h"
+#include "host/ol_errno.h"
 #include "host/system/utf.h"
 
 namespace zepk::db {
@@ -245,6 +246,12 @@ AcDbObjectId spaceFor(AcDbDatabase* db, const std::vector<DxfItem>& items) {
 bool fail(EntListError* err, std::u16string message = {}) {
   if (err) err->message = std::move(message);
   return false;
+}
+
+// A failure that leaves its code in ERRNO.
+bool failWith(EntListError* err, int code) {
+  hostErrno() = code;
+  return fail(err);
 }
 
 // Groups an entity's type needs in a list; without them the host makes
@@ -630,14 +637,15 @@ bool makeFromGroups(const std::vector<DxfItem>& items, bool nonGraphical, AcDbOb
   }
   SplitList list = split(items);
   const DxfItem* typeItem = findCode(list.body, 0);
-  if (!typeItem || typeItem->kind != DxfItem::String) return fail(err);
+  if (!typeItem || typeItem->kind != DxfItem::String) return failWith(err, OL_EMKMANDF);
   const std::u16string type = upper(typeItem->s);
   if (list.hasXData && !appsRegistered(db, list.xdata)) return fail(err);
   for (int code : requiredCodes(type))
-    if (!findCode(list.body, code)) return fail(err);
+    if (!findCode(list.body, code)) return failWith(err, OL_EMKMANDF);
 
   // A failure inside a run ends the run, as the host drops what it held.
-  auto abandon = [&](bool endBlock) {
+  auto abandon = [&](bool endBlock, int code = OL_EMKTYPE) {
+    hostErrno() = code;
     r.owner.reset();
     r.partXData.clear();
     if (endBlock) {
@@ -649,7 +657,8 @@ bool makeFromGroups(const std::vector<DxfItem>& items, bool nonGraphical, AcDbOb
 
   if (type == u"BLOCK") {
     const DxfItem* name = findCode(list.body, 2);
-    if (r.inBlock || r.owner || !name || name->kind != DxfItem::String || name->s.empty()) return abandon(true);
+    if (!name || name->kind != DxfItem::String || name->s.empty()) return abandon(true, OL_EMKNOBNM);
+    if (r.inBlock || r.owner) return abandon(true);
     r.inBlock = true;
     r.blockName = name->s;
     r.blockFlags = intOf(list.body, 70, 0);
@@ -706,7 +715,7 @@ bool makeFromGroups(const std::vector<DxfItem>& items, bool nonGraphical, AcDbOb
   std::vector<DxfItem> groups = readable(list.body, true);
   // The layer: the one named, made when missing, else the current one.
   const DxfItem* layer = findCode(groups, 8);
-  if (layer && (layer->kind != DxfItem::String || layer->s.empty())) return abandon(false);
+  if (layer && (layer->kind != DxfItem::String || layer->s.empty())) return abandon(false, OL_EMMLAY);
   if (!layer) {
     std::u16string current = headerText(db, u"$CLAYER", u"0");
     if (layerIdByName(db, current).isNull()) current = u"0";
@@ -714,19 +723,19 @@ bool makeFromGroups(const std::vector<DxfItem>& items, bool nonGraphical, AcDbOb
     size_t pos = m < groups.size() ? m + 1 : 0;
     groups.insert(groups.begin() + static_cast<long>(pos), stringItem(8, current));
   } else if (ensureLayer(db, layer->s).isNull()) {
-    return abandon(false);
+    return abandon(false, OL_EMMLAY);
   }
   if (const DxfItem* lt = findCode(groups, 6)) {
-    if (lt->kind != DxfItem::String || linetypeIdByName(db, lt->s).isNull()) return abandon(false);
+    if (lt->kind != DxfItem::String || linetypeIdByName(db, lt->s).isNull()) return abandon(false, OL_EMMLT);
   }
   // Records named by the list must exist: the block of an insert, the
   // text style of a text.
   if (type == u"INSERT" || type == u"MINSERT") {
     const DxfItem* b = findCode(groups, 2);
-    if (!b || b->kind != DxfItem::String) return abandon(false);
+    if (!b || b->kind != DxfItem::String) return abandon(false, OL_EMKBNAME);
     // A space is no block to insert.
     AcDbObjectPointer<AcDbBlockTableRecord> block(blockByName(db, b->s), AcDb::kForRead);
-    if (!block || block->isLayout()) return abandon(false);
+    if (!block || block->isLayout()) return abandon(false, OL_EMKBNAME);
   }
   if (const DxfItem* st = findCode(groups, 7);
       st && (type == u"TEXT" || type == u"MTEXT" || type == u"ATTDEF" || type == u"ATTRIB")) {
@@ -734,7 +743,7 @@ bool makeFromGroups(const std::vector<DxfItem>& items, bool nonGraphical, AcDbOb
     bool has = st->kind == DxfItem::String && db->getTextStyleTable(t, AcDb::kForRead) == Acad::eOk &&
                t->has(st->s.c_str());
     if (t) t->close();
-    if (!has) return abandon(false);
+    if (!has) return abandon(false, OL_EMMSTYLE);
   }
 
   const bool part = type == u"VERTEX" || type == u"ATTRIB";
@@ -846,17 +855,18 @@ std::vector<DxfItem> mergeGroups(const std::vector<DxfItem>& current, const std:
 bool modifyFromGroups(const std::vector<DxfItem>& items, EntListError* err) {
   SplitList list = split(items);
   const DxfItem* self = findCode(list.body, -1);
-  if (!self || self->kind != DxfItem::Id || self->id.isNull()) return fail(err);
+  if (!self || self->kind != DxfItem::Id || self->id.isNull()) return failWith(err, OL_ENAMEVALID);
   AcDbObjectId id = self->id;
   AcDbDatabase* db = id.database();
   if (!db) return fail(err);
   if (list.hasXData && !appsRegistered(db, list.xdata)) return fail(err);
   AcDbObject* obj = nullptr;
-  if (acdbOpenAcDbObject(obj, id, AcDb::kForWrite) != Acad::eOk) return fail(err);
+  if (Acad::ErrorStatus es = acdbOpenAcDbObject(obj, id, AcDb::kForWrite); es != Acad::eOk)
+    return failWith(err, es == Acad::eOnLockedLayer ? OL_EMMLL : es == Acad::eWasErased ? OL_EMODDEL : OL_ENAMEVALID);
   const std::u16string type = dxfTypeName(obj);
   if (const DxfItem* t = findCode(list.body, 0); t && (t->kind != DxfItem::String || upper(t->s) != upper(type))) {
     obj->close();
-    return fail(err);
+    return failWith(err, OL_EMMTYPE);
   }
   MemoryDxfFiler all(AcDb::kBagFiler, db);
   if (obj->dxfOutFields(&all) != Acad::eOk) {
@@ -878,13 +888,13 @@ bool modifyFromGroups(const std::vector<DxfItem>& items, EntListError* err) {
   if (const DxfItem* layer = findCode(given, 8)) {
     if (layer->kind != DxfItem::String || layer->s.empty() || ensureLayer(db, layer->s).isNull()) {
       obj->close();
-      return fail(err);
+      return failWith(err, OL_EMMLAY);
     }
   }
   if (const DxfItem* lt = findCode(given, 6)) {
     if (lt->kind != DxfItem::String || linetypeIdByName(db, lt->s).isNull()) {
       obj->close();
-      return fail(err);
+      return failWith(err, OL_EMMLT);
     }
   }
   std::vector<DxfItem> merged = mergeGroups(all.items(), given, type);

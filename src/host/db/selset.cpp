@@ -7,6 +7,7 @@
 #include "host/dbapserv.h"
 #include "host/dbsymtb.h"
 #include "host/entlist.h"
+#include "host/ol_errno.h"
 #include "host/selset.h"
 #include "host/ssfilter.h"
 #include "host/system/utf.h"
@@ -27,10 +28,12 @@ Sets& sets() {
   return *s;
 }
 
+// The set of a name; a name of no set sets ERRNO.
 std::vector<AcDbObjectId>* find(const ads_name n) {
-  if (!n || n[1] != 0) return nullptr;
-  auto it = sets().sets.find(n[0]);
-  return it == sets().sets.end() ? nullptr : &it->second;
+  auto it = n && n[1] == 0 ? sets().sets.find(n[0]) : sets().sets.end();
+  if (it != sets().sets.end()) return &it->second;
+  hostErrno() = OL_ESSVALID;
+  return nullptr;
 }
 
 void newSet(std::vector<AcDbObjectId> ids, ads_name out) {
@@ -42,7 +45,9 @@ void newSet(std::vector<AcDbObjectId> ids, ads_name out) {
 }
 
 bool entityId(const ads_name e, AcDbObjectId& id) {
-  return e && acdbGetObjectId(id, e) == Acad::eOk && !id.isNull();
+  if (e && acdbGetObjectId(id, e) == Acad::eOk && !id.isNull()) return true;
+  hostErrno() = OL_ENAMEVALID;
+  return false;
 }
 
 AcDbObjectIdArray spaceEntities(AcDbDatabase* db) {

@@ -12,6 +12,7 @@
 #include "host/dbsymtb.h"
 #include "host/entlist.h"
 #include "host/lisp/wildcard.h"
+#include "host/ol_errno.h"
 
 using namespace zepk;
 
@@ -38,6 +39,7 @@ AcDbObjectId tableId(AcDbDatabase* db, const ACHAR* name) {
   if (n == u"APPID") return db->regAppTableId();
   if (n == u"DIMSTYLE") return db->dimStyleTableId();
   if (n == u"VPORT") return db->viewportTableId();
+  hostErrno() = OL_ETBLNAME;
   return {};
 }
 
@@ -114,7 +116,11 @@ Cursors& cursors() {
   return *c;
 }
 
-bool idOf(const ads_name n, AcDbObjectId& id) { return n && acdbGetObjectId(id, n) == Acad::eOk && !id.isNull(); }
+bool idOf(const ads_name n, AcDbObjectId& id) {
+  if (n && acdbGetObjectId(id, n) == Acad::eOk && !id.isNull()) return true;
+  hostErrno() = OL_ENAMEVALID;
+  return false;
+}
 
 int xdItemSize(const resbuf* p) {
   int code = p->restype;

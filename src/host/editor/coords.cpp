@@ -7,6 +7,7 @@
 #include "host/editor/sysvars.h"
 #include "host/entlist.h"
 #include "host/gevec3d.h"
+#include "host/ol_errno.h"
 
 namespace zepk::editor {
 
@@ -100,7 +101,10 @@ bool coordSysOf(const resbuf* rb, CoordSys* out) {
 int acedTrans(const ads_point pt, const resbuf* from, const resbuf* to, int disp, ads_point result) {
   if (!pt || !result) return RTERROR;
   editor::CoordSys a, b;
-  if (!editor::coordSysOf(from, &a) || !editor::coordSysOf(to, &b)) return RTERROR;
+  if (!editor::coordSysOf(from, &a) || !editor::coordSysOf(to, &b)) {
+    hostErrno() = OL_ETRANS;
+    return RTERROR;
+  }
   editor::transPoint(pt, a, b, disp != 0, result);
   return RTNORM;
 }

@@ -14,6 +14,7 @@
 #include "host/dbapserv.h"
 #include "host/dbheader.h"
 #include "host/dbsymtb.h"
+#include "host/ol_errno.h"
 #include "host/system/utf.h"
 
 namespace zepk::editor {
@@ -154,7 +155,7 @@ const std::vector<Def>& table() {
     v.push_back(real("THICKNESS", u"$THICKNESS", 40, 0.0));
     v.push_back(ranged("ORTHOMODE", false, u"$ORTHOMODE", 70, 0, 0, 1));
     v.push_back(ranged("SNAPMODE", false, nullptr, 0, 0, 0, 1));
-    v.push_back(ranged("ERRNO", false, nullptr, 0, 0, -32768, 32767));
+    v.push_back(computed(ranged("ERRNO", false, nullptr, 0, 0, -32768, 32767)));
     v.push_back(text("ACADVER", true, nullptr, 0, u"17.1"));
     v.push_back(computed(text("PLATFORM", true, nullptr, 0, u"")));
     v.push_back(text("PRODUCT", true, nullptr, 0, u"ZEPK"));
@@ -318,6 +319,7 @@ SysValue computedValue(const Def& d) {
                  y.p[0] == 0 && y.p[1] == 1 && y.p[2] == 0;
     return SysValue::integer(world ? 1 : 0);
   }
+  if (n == "ERRNO") return SysValue::integer(hostErrno());
   if (n == "CECOLOR") {
     DxfItem it;
     int index = 256;
@@ -429,10 +431,10 @@ bool getSysVar(std::u16string_view name, SysValue* out) {
   return true;
 }
 
-SetStatus setSysVar(std::u16string_view name, const SysValue& value) {
-  const Def* d = find(name);
-  if (!d) return SetStatus::Unknown;
-  if (d->readOnly) return SetStatus::ReadOnly;
+namespace {
+
+// Checks and stores a value of a variable that may be set.
+SetStatus setValue(const Def* d, const SysValue& value) {
   SysValue v = defaultOf(*d);
   switch (d->type) {
     case Type::Short:
@@ -472,6 +474,10 @@ SetStatus setSysVar(std::u16string_view name, const SysValue& value) {
     setHeaderVar(db, d->header, toItem(*d, v));
     return SetStatus::Ok;
   }
+  if (std::string(d->name) == "ERRNO") {
+    hostErrno() = v.i;
+    return SetStatus::Ok;
+  }
   session().values[d->name] = v;
   if (std::string(d->name) == "CTAB") {
     SysValue tile = SysValue::integer(v.s == u"Model" ? 1 : 0);
@@ -480,13 +486,28 @@ SetStatus setSysVar(std::u16string_view name, const SysValue& value) {
   return SetStatus::Ok;
 }
 
+}  // namespace
+
+SetStatus setSysVar(std::u16string_view name, const SysValue& value) {
+  const Def* d = find(name);
+  if (!d) return SetStatus::Unknown;
+  if (d->readOnly) {
+    hostErrno() = OL_ERDONLY;
+    return SetStatus::ReadOnly;
+  }
+  SetStatus st = setValue(d, value);
+  if (st == SetStatus::Refused) hostErrno() = OL_ERANGE;
+  return st;
+}
+
+
 std::vector<std::u16string> sysVarNames() {
   std::vector<std::u16string> out;
   for (const Def& d : table()) out.push_back(sys::fromUtf8(d.name));
   return out;
 }
 
-void setErrno(int code) { session().values["ERRNO"] = SysValue::integer(code); }
+void setErrno(int code) { hostErrno() = code; }
 
 void setDrawingPath(std::u16string folder, std::u16string name) {
   session().folder = std::move(folder);

@@ -8,6 +8,7 @@
 #include "host/lisp/bridge.h"
 #include "host/lisp/drawing.h"
 #include "host/lisp/printer.h"
+#include "host/ol_errno.h"
 #include "host/selset.h"
 #include "host/system/utf.h"
 
@@ -150,7 +151,10 @@ Value fnEntget(Interp& in, ArgSpan a) {
     for (const Value* p = &a[1]; p->isCons(); p = &p->as<Cons>()->cdr) apps.push_back(argStr(in, car(*p)));
   }
   AcDbObjectId id;
-  if (acdbGetObjectId(id, n) != Acad::eOk) return Value();
+  if (acdbGetObjectId(id, n) != Acad::eOk) {
+    hostErrno() = OL_ENAMEVALID;
+    return Value();
+  }
   std::vector<DxfItem> items;
   if (!db::objectGroups(id, apps, &items)) return Value();
   return groupsToList(items);

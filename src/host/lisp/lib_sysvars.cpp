@@ -4,6 +4,7 @@
 #include "host/editor/sysvars.h"
 #include "host/lisp/drawing.h"
 #include "host/lisp/printer.h"
+#include "host/ol_errno.h"
 #include "host/system/utf.h"
 
 namespace zepk::lisp {
@@ -77,7 +78,10 @@ Value fnTrans(Interp& in, ArgSpan a) {
   argPoint(in, a[0], p, &dim);
   if (dim == 2) p[2] = 0;
   editor::CoordSys from, to;
-  if (!csArg(in, a[1], &from) || !csArg(in, a[2], &to)) return Value();
+  if (!csArg(in, a[1], &from) || !csArg(in, a[2], &to)) {
+    hostErrno() = OL_ETRANS;
+    return Value();
+  }
   double out[3];
   editor::transPoint(p, from, to, a.size > 3 && a[3].truthy(), out);
   return pointValue(out, 3);
