@@ -9,17 +9,32 @@
 // they are parallel to nothing and meet nothing.
 #pragma once
 
-#include "host/geent3d.h"
+#include "host/gecurv3d.h"
 
 class AcGeLine3d;
 class AcGePlanarEnt;
 class AcGePlane;
 
-class AcGeLinearEnt3d : public AcGeEntity3d {
+class AcGeLinearEnt3d : public AcGeCurve3d {
  public:
   bool isKindOf(AcGe::EntityId entType) const override {
-    return entType == AcGe::kLinearEnt3d || entType == AcGe::kCurve3d || AcGeEntity3d::isKindOf(entType);
+    return entType == AcGe::kLinearEnt3d || AcGeCurve3d::isKindOf(entType);
   }
+  using AcGeCurve3d::length;
+
+  // As a curve: the derivative is the vector, the others are zero; the
+  // length is |vector| per unit of parameter.
+  AcGePoint3d evalPoint(double param, int numDeriv, AcGeVector3dArray& derivArray) const override;
+  double length(double fromParam, double toParam, double tol = 1e-12) const override;
+  double paramAtLength(double datumParam, double length, bool posParamDir = true,
+                       double tol = 1e-12) const override;
+  // A segment between two finite parameters, a ray with one infinite side,
+  // a line with both.
+  AcGeCurve3d* trimmedCopy(double fromParam, double toParam) const override;
+  // A segment swaps its ends and a line turns its direction; a ray cannot
+  // run the other way and stays as it is.
+  AcGeCurve3d& reverseParam() override;
+  AcGeBoundBlock3d orthoBoundBlock() const override;
 
   // The one point where the two meet. Parallel entities (even colinear ones)
   // have none. Lines that pass each other farther apart than equalPoint do
@@ -47,7 +62,7 @@ class AcGeLinearEnt3d : public AcGeEntity3d {
   // The same, and the parameter of the point's foot.
   bool isOn(const AcGePoint3d& pnt, double& param, const AcGeTol& tol = AcGeContext::gTol) const;
   // The parameter lies within the entity's range.
-  bool isOn(double param, const AcGeTol& tol = AcGeContext::gTol) const;
+  bool isOn(double param, const AcGeTol& tol = AcGeContext::gTol) const override;
   // The entity lies in the plane.
   bool isOn(const AcGePlanarEnt& plane, const AcGeTol& tol = AcGeContext::gTol) const;
 
@@ -68,21 +83,21 @@ class AcGeLinearEnt3d : public AcGeEntity3d {
   void getLine(AcGeLine3d& line) const;
 
   // The entity's point nearest pnt.
-  AcGePoint3d closestPointTo(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const;
+  AcGePoint3d closestPointTo(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override;
   // The point of this entity nearest the other one, and in pntOnOtherCrv the
   // point of the other nearest it. Parallel entities give a pair at the
   // first place along this entity where they are nearest.
   AcGePoint3d closestPointTo(const AcGeLinearEnt3d& line, AcGePoint3d& pntOnOtherCrv,
                              const AcGeTol& tol = AcGeContext::gTol) const;
-  double distanceTo(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const;
+  double distanceTo(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override;
   double distanceTo(const AcGeLinearEnt3d& line, const AcGeTol& tol = AcGeContext::gTol) const;
 
-  AcGePoint3d evalPoint(double param) const { return point_ + vector_ * param; }
+  AcGePoint3d evalPoint(double param) const override { return point_ + vector_ * param; }
   // The parameter of the point's foot on the infinite line (0 for a
   // degenerate entity).
-  double paramOf(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const;
+  double paramOf(const AcGePoint3d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override;
   // The parameter range: [-inf, +inf] for a line, [0, 1] for a segment.
-  virtual void getInterval(double& lower, double& upper) const = 0;
+  void getInterval(double& lower, double& upper) const override = 0;
   bool isBounded() const;
 
   AcGeLinearEnt3d& transformBy(const AcGeMatrix3d& xfm) override;

@@ -18,6 +18,7 @@ class AcGeLineSeg3d : public AcGeLinearEnt3d {
   AcGePoint3d startPoint() const { return point_; }
   AcGePoint3d endPoint() const { return point_ + vector_; }
   AcGePoint3d midPoint() const { return point_ + vector_ * 0.5; }
+  using AcGeLinearEnt3d::length;
   double length() const { return vector_.length(); }
   // The point start + blendCoeff * (end - start).
   AcGePoint3d baryComb(double blendCoeff) const { return evalPoint(blendCoeff); }
