@@ -317,10 +317,38 @@ void general(const Piece& pa, const Piece& pb, const AcGeTol& tol, std::vector<H
       AcGePoint3d p = A.evalPoint(s, 1, da);
       B.evalPoint(t, 1, db);
       bool tangent = da[0].normal().crossProduct(db[0].normal()).length() < 1e-6;
+      if (tangent) {
+        // Where the curves only touch the two-parameter search is slow to
+        // settle: settle the point on A where B comes nearest instead.
+        double w = (ahi - alo) * 1e-3, lo = std::max(alo, s - w), hi = std::min(ahi, s + w);
+        auto gap = [&](double x) { return B.distanceTo(A.evalPoint(x)); };
+        for (int it = 0; it < 80 && hi - lo > 1e-15 * std::max(1.0, std::fabs(s)); ++it) {
+          double m1 = lo + (hi - lo) / 3, m2 = hi - (hi - lo) / 3;
+          if (gap(m1) < gap(m2))
+            hi = m2;
+          else
+            lo = m1;
+        }
+        s = 0.5 * (lo + hi);
+        p = A.evalPoint(s);
+        t = B.paramOf(p);
+        if (t < blo || t > bhi) continue;
+      }
       found.push_back({p, s, t, tangent, false});
     }
   }
-  out.insert(out.end(), found.begin(), found.end());
+  // One touching point found from neighbouring sample pairs comes once.
+  std::vector<Hit> merged;
+  for (const Hit& h : found) {
+    bool dup = false;
+    for (Hit& k : merged)
+      if ((k.tangent || h.tangent) && k.point.distanceTo(h.point) <= size * 1e-4) {
+        dup = true;
+        k.tangent = true;
+      }
+    if (!dup) merged.push_back(h);
+  }
+  out.insert(out.end(), merged.begin(), merged.end());
 }
 
 void pairHits(const Piece& pa, const Piece& pb, const AcGeTol& tol, std::vector<Hit>& out) {
@@ -405,7 +433,20 @@ std::vector<Piece> flatPieces(const std::vector<Piece>& in) {
   return r;
 }
 
-void dedupe(std::vector<Hit>& hits, double tolP) {
+// The span of a closed curve's parameter, 0 for an open one: parameters
+// that far apart name the same point.
+double seamSpan(const AcGeCurve3d& c, const AcGeTol& tol) {
+  double lo, hi;
+  c.getInterval(lo, hi);
+  return std::isfinite(lo) && std::isfinite(hi) && c.isClosed(tol) ? hi - lo : 0.0;
+}
+
+bool sameParam(double a, double b, double span) {
+  double e = 1e-7 * std::max(1.0, std::fabs(b));
+  return std::fabs(a - b) <= e || (span > 0 && std::fabs(std::fabs(a - b) - span) <= e);
+}
+
+void dedupe(std::vector<Hit>& hits, double tolP, double span1, double span2) {
   std::sort(hits.begin(), hits.end(), [](const Hit& a, const Hit& b) {
     return a.param1 < b.param1 || (a.param1 == b.param1 && a.param2 < b.param2);
   });
@@ -413,8 +454,8 @@ void dedupe(std::vector<Hit>& hits, double tolP) {
   for (const Hit& h : hits) {
     bool dup = false;
     for (Hit& k : r) {
-      if (k.point.distanceTo(h.point) <= tolP && std::fabs(k.param1 - h.param1) <= 1e-7 * std::max(1.0, std::fabs(h.param1)) &&
-          std::fabs(k.param2 - h.param2) <= 1e-7 * std::max(1.0, std::fabs(h.param2))) {
+      if (k.point.distanceTo(h.point) <= tolP && sameParam(k.param1, h.param1, span1) &&
+          sameParam(k.param2, h.param2, span2)) {
         k.tangent = k.tangent || h.tangent;
         k.overlapEnd = k.overlapEnd || h.overlapEnd;
         dup = true;
@@ -461,7 +502,7 @@ std::vector<Hit> intersectCurves(const AcGeCurve3d& c1, const AcGeCurve3d& c2, b
     }
     double scale = 0;
     for (const Hit& h : hits) scale = std::max(scale, magnitude(h.point));
-    dedupe(hits, std::max(tol.equalPoint() * 10, 1e-12 * scale));
+    dedupe(hits, std::max(tol.equalPoint() * 10, 1e-12 * scale), seamSpan(c1, tol), seamSpan(c2, tol));
     return hits;
   }
   // One curve with itself: its pieces pairwise, joints of neighbours and
@@ -479,7 +520,6 @@ std::vector<Hit> intersectCurves(const AcGeCurve3d& c1, const AcGeCurve3d& c2, b
       pairHits(P[i], P[j], tol, local);
       AcGePoint3d joint = P[i].curve->evalPoint(P[i].hi), seamPt = P[i].curve->evalPoint(P[i].lo);
       for (Hit& h : local) {
-        if (next && h.point.isEqualTo(joint, AcGeTol()) ) continue;
         if (next && h.point.distanceTo(joint) <= tol.equalPoint() * 10) continue;
         if (seam && h.point.distanceTo(seamPt) <= tol.equalPoint() * 10) continue;
         if (h.param1 > h.param2) std::swap(h.param1, h.param2);
@@ -489,7 +529,8 @@ std::vector<Hit> intersectCurves(const AcGeCurve3d& c1, const AcGeCurve3d& c2, b
   }
   double scale = 0;
   for (const Hit& h : hits) scale = std::max(scale, magnitude(h.point));
-  dedupe(hits, std::max(tol.equalPoint() * 10, 1e-12 * scale));
+  double span = seamSpan(c1, tol);
+  dedupe(hits, std::max(tol.equalPoint() * 10, 1e-12 * scale), span, span);
   return hits;
 }
 
