@@ -43,7 +43,12 @@ class AcDbEllipse : public AcDbCurve {
   double angleAtParam(double param) const;
   bool isClosed() const override;
 
+  ZEPK_DB_CURVE_GEOMETRY;
   ZEPK_DB_ENTITY_FILERS;
+
+ protected:
+  void getExtendedGeCurves(std::vector<AcGeCurve3d*>& curves) const override;
+
 
  private:
   AcGePoint3d center_;

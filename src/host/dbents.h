@@ -211,15 +211,132 @@ class AcDbObjectIterator : public AcRxObject {
   long pos_ = 0;
 };
 
+namespace AcDb {
+// How far two curves are taken when they are intersected: as they are, or
+// extended (lines to infinite lines, arcs to their circles, the end
+// segments of a polyline along their own lines or circles).
+enum Intersect { kOnBothOperands = 0, kExtendThis = 1, kExtendArg = 2, kExtendBoth = 3 };
+enum Planarity { kNonPlanar = 0, kPlanar = 1, kLinear = 2 };
+}  // namespace AcDb
+
+typedef std::vector<void*> AcDbVoidPtrArray;
+class AcGeCurve3d;
+class AcGePlane;
+class AcDbSpline;
+
+// The box of an entity, lower and upper corners.
+class AcDbExtents {
+ public:
+  AcDbExtents() = default;
+  AcDbExtents(const AcGePoint3d& min, const AcGePoint3d& max) : min_(min), max_(max), valid_(true) {}
+  AcGePoint3d minPoint() const { return min_; }
+  AcGePoint3d maxPoint() const { return max_; }
+  // Grows the box to take the point in (the first point sets it).
+  void addPoint(const AcGePoint3d& pt);
+  void addExt(const AcDbExtents& ext);
+
+ private:
+  AcGePoint3d min_, max_;
+  bool valid_ = false;
+};
+
+// A curve. Each kind has its own parameter: a line the distance from its
+// start; an arc the angle (its end parameter above its start even across
+// 0); a circle 0 to 2 pi; an ellipse the eccentric angle; a spline its
+// knots; a polyline the vertex index plus the fraction of the segment
+// (linear in length on a line, in angle on an arc), 0 to n - 1 when open
+// and 0 to n when closed; a ray and an xline the distance from the base
+// point. The operations give eInvalidInput for a parameter, distance or
+// point that is not on the curve, eDegenerateGeometry for a curve without
+// extent, and eNotApplicable where the kind has no answer.
+namespace zepk::db {
+struct CurveAccess;
+}
+
 class AcDbCurve : public AcDbEntity {
  public:
   ACRX_DECLARE_MEMBERS(AcDbCurve);
   virtual bool isClosed() const { return false; }
   virtual bool isPeriodic() const { return false; }
 
+  // The curve in the geometry library, with the same parameter (a line's
+  // segment runs from 0 to 1: its parameter is the fraction of the
+  // length). The caller deletes it.
+  virtual Acad::ErrorStatus getAcGeCurve(AcGeCurve3d*& pGeCurve) const;
+
+  virtual bool isPlanar() const;
+  // The curve's plane; a straight curve gives a plane through it with
+  // planarity kLinear; a curve in no plane gives kNonPlanar and
+  // eNotApplicable.
+  virtual Acad::ErrorStatus getPlane(AcGePlane& plane, AcDb::Planarity& planarity) const;
+
+  virtual Acad::ErrorStatus getStartParam(double& param) const;
+  virtual Acad::ErrorStatus getEndParam(double& param) const;
+  virtual Acad::ErrorStatus getStartPoint(AcGePoint3d& point) const;
+  virtual Acad::ErrorStatus getEndPoint(AcGePoint3d& point) const;
+  virtual Acad::ErrorStatus getPointAtParam(double param, AcGePoint3d& point) const;
+  virtual Acad::ErrorStatus getParamAtPoint(const AcGePoint3d& point, double& param) const;
+  virtual Acad::ErrorStatus getDistAtParam(double param, double& dist) const;
+  virtual Acad::ErrorStatus getParamAtDist(double dist, double& param) const;
+  virtual Acad::ErrorStatus getDistAtPoint(const AcGePoint3d& point, double& dist) const;
+  virtual Acad::ErrorStatus getPointAtDist(double dist, AcGePoint3d& point) const;
+  // Derivatives with respect to the curve's parameter.
+  virtual Acad::ErrorStatus getFirstDeriv(double param, AcGeVector3d& firstDeriv) const;
+  virtual Acad::ErrorStatus getFirstDeriv(const AcGePoint3d& point, AcGeVector3d& firstDeriv) const;
+  virtual Acad::ErrorStatus getSecondDeriv(double param, AcGeVector3d& secDeriv) const;
+  virtual Acad::ErrorStatus getSecondDeriv(const AcGePoint3d& point, AcGeVector3d& secDeriv) const;
+
+  // The curve's point nearest the given one; with extend, of the curve
+  // extended as for intersections.
+  virtual Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& givenPoint, AcGePoint3d& pointOnCurve,
+                                              bool extend = false) const;
+  // Nearest as seen along the direction (the curve and the point
+  // projected on the plane through the point normal to it); the point
+  // given back lies on the curve.
+  virtual Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& givenPoint, const AcGeVector3d& direction,
+                                              AcGePoint3d& pointOnCurve, bool extend = false) const;
+
+  // The area enclosed, an open curve closed by its chord (always >= 0).
+  virtual Acad::ErrorStatus getArea(double& area) const;
+
+  // New curves (the caller deletes them) with this one's properties.
+  // Offsets lie to the right of the direction of travel for a positive
+  // distance (outside for arcs and circles, which grow); a polyline's
+  // pieces are joined and its offset trimmed where it would cross itself.
+  virtual Acad::ErrorStatus getOffsetCurves(double offsetDist, AcDbVoidPtrArray& offsetCurves) const;
+  // The pieces between the parameters or points, in order; a closed curve
+  // split at k places gives k pieces, the last running across the seam.
+  virtual Acad::ErrorStatus getSplitCurves(const AcGeDoubleArray& params, AcDbVoidPtrArray& curveSegments) const;
+  virtual Acad::ErrorStatus getSplitCurves(const AcGePoint3dArray& points, AcDbVoidPtrArray& curveSegments) const;
+  // The curve as a spline (eNotApplicable for an unbounded curve).
+  virtual Acad::ErrorStatus getSpline(AcDbSpline*& spline) const;
+  // The curve projected on the plane, straight down or along a direction.
+  virtual Acad::ErrorStatus getOrthoProjectedCurve(const AcGePlane& plane, AcDbCurve*& projCrv) const;
+  virtual Acad::ErrorStatus getProjectedCurve(const AcGePlane& plane, const AcGeVector3d& projDir,
+                                              AcDbCurve*& projCrv) const;
+
+  // Points where this curve meets the other entity (a curve), in order
+  // along this curve.
+  virtual Acad::ErrorStatus intersectWith(const AcDbEntity* pEnt, AcDb::Intersect intType,
+                                          AcGePoint3dArray& points) const;
+  // The box of the curve; eNotApplicable for an unbounded curve.
+  virtual Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const;
+  // The simpler entities the curve is made of (polylines give lines and
+  // arcs); eNotApplicable for curves that are already simple.
+  virtual Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const;
+
  protected:
   AcDbCurve() = default;
+  friend struct zepk::db::CurveAccess;
+  // The geometry's parameter times this is the curve's (a line's length).
+  virtual double geParamScale() const { return 1.0; }
+  // The curve extended for intersections and nearest points with extend.
+  virtual void getExtendedGeCurves(std::vector<AcGeCurve3d*>& curves) const;
 };
+
+// The geometry a curve class gives the curve operations.
+#define ZEPK_DB_CURVE_GEOMETRY \
+  Acad::ErrorStatus getAcGeCurve(AcGeCurve3d*& pGeCurve) const override
 
 class AcDbLine : public AcDbCurve {
  public:
@@ -236,7 +353,12 @@ class AcDbLine : public AcDbCurve {
   AcGeVector3d normal() const { return normal_; }
   Acad::ErrorStatus setNormal(const AcGeVector3d& n);
 
+  ZEPK_DB_CURVE_GEOMETRY;
   ZEPK_DB_ENTITY_FILERS;
+
+ protected:
+  double geParamScale() const override;
+  void getExtendedGeCurves(std::vector<AcGeCurve3d*>& curves) const override;
 
  private:
   AcGePoint3d start_, end_;
@@ -261,7 +383,12 @@ class AcDbCircle : public AcDbCurve {
   AcGeVector3d normal() const { return normal_; }
   Acad::ErrorStatus setNormal(const AcGeVector3d& n);
   bool isClosed() const override { return true; }
+  bool isPeriodic() const override { return true; }
+  double circumference() const;
+  Acad::ErrorStatus setCircumference(double c);
+  double diameter() const { return 2 * radius_; }
 
+  ZEPK_DB_CURVE_GEOMETRY;
   ZEPK_DB_ENTITY_FILERS;
 
  private:
@@ -296,9 +423,16 @@ class AcDbArc : public AcDbCurve {
   AcGeVector3d normal() const { return normal_; }
   Acad::ErrorStatus setNormal(const AcGeVector3d& n);
 
+  double totalAngle() const;
+  double length() const { return radius_ * totalAngle(); }
+
+  ZEPK_DB_CURVE_GEOMETRY;
   ZEPK_DB_ENTITY_FILERS;
   // The circle's part of an arc.
   static const zepk::db::ClassSchema& circleSchema();
+
+ protected:
+  void getExtendedGeCurves(std::vector<AcGeCurve3d*>& curves) const override;
 
  private:
   double thickness_ = 0.0;
@@ -864,10 +998,17 @@ class AcDb2dPolyline : public AcDbCurve {
   // The vertex's position in world coordinates.
   AcGePoint3d vertexPosition(const AcDb2dVertex& vertex) const;
 
+  // The vertices the curve passes through (a spline-fit polyline's frame
+  // points are not among them): world positions and bulges.
+  Acad::ErrorStatus getCurveVertices(AcGePoint3dArray& points, AcGeDoubleArray& bulges) const;
+
+  ZEPK_DB_CURVE_GEOMETRY;
+  Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const override;
   ZEPK_DB_ENTITY_FILERS;
 
  protected:
   zepk::db::OwnedSequence* ownedSequence() const override;
+  void getExtendedGeCurves(std::vector<AcGeCurve3d*>& curves) const override;
 
  private:
   AcGePoint3d elevationPoint_;  // group 10: (0, 0, elevation)
@@ -901,10 +1042,17 @@ class AcDb3dPolyline : public AcDbCurve {
   AcDbObjectIterator* vertexIterator() const;
   Acad::ErrorStatus openSequenceEnd(AcDbSequenceEnd*& pSeqEnd, AcDb::OpenMode mode);
 
+  // The vertices the curve passes through (a splined polyline's frame
+  // points are not among them).
+  Acad::ErrorStatus getCurveVertices(AcGePoint3dArray& points) const;
+
+  ZEPK_DB_CURVE_GEOMETRY;
+  Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const override;
   ZEPK_DB_ENTITY_FILERS;
 
  protected:
   zepk::db::OwnedSequence* ownedSequence() const override;
+  void getExtendedGeCurves(std::vector<AcGeCurve3d*>& curves) const override;
 
  private:
   AcGePoint3d elevationPoint_;

@@ -8,6 +8,10 @@
 
 #include "host/dbents.h"
 
+class AcGeLineSeg3d;
+class AcGeLineSeg2d;
+class AcGeCircArc3d;
+
 class AcDbPolyline : public AcDbCurve {
  public:
   ACRX_DECLARE_MEMBERS(AcDbPolyline);
@@ -67,7 +71,34 @@ class AcDbPolyline : public AcDbCurve {
   void minimizeMemory() { verts_.shrink_to_fit(); }
   void maximizeMemory() {}
 
+  // The segment that starts at the vertex, in world coordinates; on the
+  // plane of the polyline in its own coordinates for the 2D forms.
+  // eInvalidIndex past the last segment, eNotApplicable when the segment is
+  // not of that kind.
+  Acad::ErrorStatus getLineSegAt(unsigned int index, AcGeLineSeg3d& ln) const;
+  Acad::ErrorStatus getLineSegAt(unsigned int index, AcGeLineSeg2d& ln) const;
+  Acad::ErrorStatus getArcSegAt(unsigned int index, AcGeCircArc3d& arc) const;
+  // The point (in the polyline's own 2D coordinates) lies on the segment
+  // that starts at the vertex, and its parameter on the whole polyline.
+  bool onSegAt(unsigned int index, const AcGePoint2d& pt2d, double& param) const;
+
+  // Conversions with the old-style 2D polyline. convertFrom takes the
+  // vertices, bulges, widths, closure and plane of a simple 2D polyline
+  // (pPline); convertTo makes a new 2D polyline of this one (the caller
+  // owns it). Fitted polylines give eNotApplicable. With transferId the new
+  // polyline would take the old one's place under its id; an object not in
+  // a database has no id to hand over and converts as without it, and a
+  // database-resident one gives eNotApplicable (this database does not
+  // hand ids over).
+  Acad::ErrorStatus convertFrom(AcDbEntity*& pPline, bool transferId = true);
+  Acad::ErrorStatus convertTo(AcDb2dPolyline*& pPline, bool transferId = true) const;
+
+  ZEPK_DB_CURVE_GEOMETRY;
+  Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const override;
   ZEPK_DB_ENTITY_FILERS;
+
+ protected:
+  void getExtendedGeCurves(std::vector<AcGeCurve3d*>& curves) const override;
 
  private:
   struct Vertex {

@@ -77,6 +77,7 @@ class AcDbSpline : public AcDbCurve {
   // Drops the fit data, keeping the control frame.
   Acad::ErrorStatus purgeFitData();
 
+  ZEPK_DB_CURVE_GEOMETRY;
   ZEPK_DB_ENTITY_FILERS;
 
  private:

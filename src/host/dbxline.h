@@ -16,6 +16,7 @@ class AcDbXline : public AcDbCurve {
   AcGePoint3d secondPoint() const { return basePoint_ + unitDir_; }
   Acad::ErrorStatus setSecondPoint(const AcGePoint3d& p) { return setUnitDir(p - basePoint_); }
 
+  ZEPK_DB_CURVE_GEOMETRY;
   ZEPK_DB_ENTITY_FILERS;
 
  private:
