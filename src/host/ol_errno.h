@@ -5,6 +5,7 @@
 
 enum : int {
   OL_GOOD = 0,
+  OL_ESNVALID = 1,     // invalid symbol table name
   OL_ENAMEVALID = 2,   // invalid entity or selection set name
   OL_ESSVALID = 4,     // invalid selection set
   OL_EEOEF = 8,        // end of the entity file

@@ -70,3 +70,17 @@
 (dictremove (namedobjdict) "ZEPK_RENAMED")
 (dictsearch (namedobjdict) "ZEPK_RENAMED")
 (dictsearch "x" "y")
+; Records renamed with entmod: a free, valid name only; the standard ones
+; keep theirs.
+(length (setq lay (entget (tblobjname "LAYER" "B-Layer"))))
+(cdr (assoc 2 (entmod (subst '(2 . "Boundary") (assoc 2 lay) lay))))
+(cdr (assoc 2 (tblsearch "LAYER" "boundary")))
+(tblsearch "LAYER" "B-Layer")
+(length (setq lay (entget (tblobjname "LAYER" "Boundary"))))
+(entmod (subst '(2 . "C-Layer") (assoc 2 lay) lay))
+(entmod (subst '(2 . "a<b") (assoc 2 lay) lay))
+(getvar "ERRNO")
+(length (setq zero (entget (tblobjname "LAYER" "0"))))
+(entmod (subst '(2 . "Zero") (assoc 2 zero) zero))
+(cdr (assoc 2 (tblsearch "LAYER" "0")))
+(setvar "ERRNO" 0)

@@ -897,6 +897,15 @@ bool modifyFromGroups(const std::vector<DxfItem>& items, EntListError* err) {
       return failWith(err, OL_EMMLT);
     }
   }
+  // A record takes a new name only as setName allows it: valid, free in
+  // its table, and not the name of a record every drawing has.
+  if (auto* rec = AcDbSymbolTableRecord::cast(obj)) {
+    const DxfItem* name = findCode(given, 2);
+    if (name && (name->kind != DxfItem::String || rec->setName(name->s.c_str()) != Acad::eOk)) {
+      obj->cancel();
+      return failWith(err, OL_ESNVALID);
+    }
+  }
   std::vector<DxfItem> merged = mergeGroups(all.items(), given, type);
   MemoryDxfFiler f(AcDb::kBagFiler, db);
   f.items() = std::move(merged);
