@@ -11,6 +11,10 @@
 
 #include "host/dbents.h"
 
+namespace AcDb {
+enum BoolOperType { kBoolUnite = 0, kBoolIntersect = 1, kBoolSubtract = 2 };
+}
+
 class AcDbRegion : public AcDbEntity {
  public:
   ACRX_DECLARE_MEMBERS(AcDbRegion);
@@ -40,6 +44,30 @@ class AcDbRegion : public AcDbEntity {
   bool isNull() const;
   // Whether the region carries modeller data from another program.
   bool hasModelerData() const;
+
+  // One region for each closed loop the curves make: closed curves alone,
+  // open ones joined end to end. Curves out of one plane, or curves that
+  // close no loop, give eInvalidInput; the regions (the caller owns them) take the
+  // properties of the loop's first curve. Ellipses and splines are followed
+  // by short straight edges.
+  static Acad::ErrorStatus createFromCurves(const AcDbVoidPtrArray& curveSegments, AcDbVoidPtrArray& regions);
+  // Area and perimeter of the region (holes taken off the area, added to
+  // the perimeter). eNotApplicable for a region of modeller data alone.
+  Acad::ErrorStatus getArea(double& area) const;
+  Acad::ErrorStatus getPerimeter(double& perimeter) const;
+  // Mass properties in the coordinate system of origin and the two axes
+  // (which must lie in the region's plane): moments about that system's
+  // axes, the centroid's principal moments and axes, radii of gyration and
+  // the extents of the area there.
+  Acad::ErrorStatus getAreaProp(const AcGePoint3d& origin, const AcGeVector3d& xAxis, const AcGeVector3d& yAxis,
+                                double& perimeter, double& area, AcGePoint2d& centroid, double momInertia[2],
+                                double& prodInertia, double prinMoments[2], AcGeVector2d prinAxes[2],
+                                double radiiGyration[2], AcGePoint2d& extentsLow, AcGePoint2d& extentsHigh) const;
+  // Unites, intersects or subtracts the other region (in the same plane)
+  // into this one; the other is left empty. Arcs stay arcs.
+  Acad::ErrorStatus booleanOper(AcDb::BoolOperType operation, AcDbRegion* otherRegion);
+  // The region's edges as lines and arcs (the caller owns them).
+  Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const;
 
   ZEPK_DB_ENTITY_FILERS;
   // The modeller's part ("AcDbModelerGeometry").
