@@ -546,6 +546,9 @@ Acad::ErrorStatus AcDbCurve::getArea(double& area) const {
     }
   }
   area = 0.5 * total.length();
+  // What a straight curve leaves is rounding, not area.
+  double len = c.length(g.lo, g.hi);
+  if (area <= 1e-12 * len * len) area = 0.0;
   return Acad::eOk;
 }
 

@@ -30,6 +30,7 @@ void registerEntityFunctions(Interp& in);
 void registerPicksetFunctions(Interp& in);
 void registerTableFunctions(Interp& in);
 void registerSysvarFunctions(Interp& in);
+void registerCurveFunctions(Interp& in);
 // A chain a host function gave, as a LISP list (nil for none), released.
 Value takeChainAsList(resbuf* rb);
 // The entity name argument (lentityp) as a host name.

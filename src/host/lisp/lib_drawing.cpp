@@ -360,6 +360,7 @@ void installDrawing(Interp& in) {
   registerPicksetFunctions(in);
   registerTableFunctions(in);
   registerSysvarFunctions(in);
+  registerCurveFunctions(in);
   releasePickset = &freeSet;
   in.sysvar = [](std::string_view name) { return sysvarValue(name); };
 }
