@@ -476,6 +476,16 @@ std::vector<Hit> intersectCurves(const AcGeCurve3d& c1, const AcGeCurve3d& c2, b
   std::vector<Piece> P1 = piecesOf(c1);
   if (!self) {
     std::vector<Piece> P2 = piecesOf(c2);
+    if (P1.size() == 1 && P2.size() == 1) {
+      // Two simple curves: no boxes to sort pieces by.
+      pairHits(P1[0], P2[0], tol, hits);
+      if (hits.size() > 1) {
+        double scale = 0;
+        for (const Hit& h : hits) scale = std::max(scale, magnitude(h.point));
+        dedupe(hits, std::max(tol.equalPoint() * 10, 1e-12 * scale), seamSpan(c1, tol), seamSpan(c2, tol));
+      }
+      return hits;
+    }
     std::vector<AcGeBoundBlock3d> boxes2;
     for (const Piece& q : P2) {
       bool bounded = std::isfinite(q.lo) && std::isfinite(q.hi);
