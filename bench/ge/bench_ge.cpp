@@ -92,10 +92,19 @@ int closest(const char* path) {
     f >> px >> py;
     AcGePoint3d p(px, py, 0);
     BPoint bp(px, py);
+    // The k nearest boxes, k doubled until the farthest of them lies
+    // beyond the nearest curve found.
     double best = 1e300;
-    for (auto it = tree.qbegin(bgi::nearest(bp, static_cast<unsigned>(tree.size()))); it != tree.qend(); ++it) {
-      if (bg::distance(bp, it->first) > best) break;
-      best = std::min(best, poly.curveAt(static_cast<int>(it->second)).distanceTo(p));
+    std::vector<Item> near;
+    for (unsigned k = 8;; k *= 2) {
+      near.clear();
+      tree.query(bgi::nearest(bp, k), std::back_inserter(near));
+      double farthest = 0;
+      for (const Item& it : near) {
+        farthest = std::max(farthest, bg::distance(bp, it.first));
+        best = std::min(best, poly.curveAt(static_cast<int>(it.second)).distanceTo(p));
+      }
+      if (farthest >= best || near.size() < k) break;
     }
     total += best;
   }
