@@ -2,6 +2,7 @@
 // block table's numbering of anonymous blocks.
 #include <algorithm>
 #include <string>
+#include <unordered_set>
 
 #include "host/db/dbobjects.h"
 #include "host/db/internal.h"
@@ -352,6 +353,30 @@ Acad::ErrorStatus linkEntity(AcDbBlockTableRecord* block, AcDbObjectId entityId)
   block->assertWriteEnabled();
   ents.push_back(entityId);
   return Acad::eOk;
+}
+
+void linkEntities(AcDbBlockTableRecord* block, const std::vector<AcDbObjectId>& ids,
+                  std::vector<Acad::ErrorStatus>* statuses) {
+  statuses->assign(ids.size(), Acad::eOk);
+  if (!block || !block->isWriteEnabled()) {
+    statuses->assign(ids.size(), block ? Acad::eNotOpenForWrite : Acad::eNullObjectPointer);
+    return;
+  }
+  AcDbObjectIdArray& ents = AcDbSymbolTableAccess::entities(block);
+  // One pass with a set instead of a search of the block per entity: a
+  // drawing's model space holds hundreds of thousands of them.
+  std::unordered_set<const void*> present;
+  present.reserve(ents.size() + ids.size());
+  for (const AcDbObjectId& e : ents) present.insert(reinterpret_cast<const void*>(e.asOldId()));
+  block->assertWriteEnabled();
+  ents.reserve(ents.size() + ids.size());
+  for (size_t i = 0; i < ids.size(); ++i) {
+    const AcDbObjectId& id = ids[i];
+    if (id.isNull()) (*statuses)[i] = Acad::eNullObjectId;
+    else if (id.database() != block->database()) (*statuses)[i] = Acad::eWrongDatabase;
+    else if (!present.insert(reinterpret_cast<const void*>(id.asOldId())).second) (*statuses)[i] = Acad::eAlreadyInDb;
+    else ents.push_back(id);
+  }
 }
 
 }  // namespace zepk::db

@@ -52,6 +52,10 @@ AcDbDatabase::Root symbolTableRoot(const AcDbSymbolTable* table);
 // object of another database eWrongDatabase.
 Acad::ErrorStatus linkRecord(AcDbSymbolTable* table, AcDbObjectId recordId);
 Acad::ErrorStatus linkEntity(AcDbBlockTableRecord* block, AcDbObjectId entityId);
+// Appends many entities at once, in order; each gets its own status, as
+// linkEntity would give it.
+void linkEntities(AcDbBlockTableRecord* block, const std::vector<AcDbObjectId>& ids,
+                  std::vector<Acad::ErrorStatus>* statuses);
 
 // ---- groups a class keeps without knowing them
 

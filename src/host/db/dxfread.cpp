@@ -652,10 +652,12 @@ bool Reader::linkEntities(AcDbObjectId blockRecord, const std::vector<AcDbObject
   AcDbBlockTableRecord* btr = nullptr;
   if (acdbOpenObject(btr, blockRecord, AcDb::kForWrite) != Acad::eOk)
     return fail(line, "cannot open the block the entities belong to");
-  for (AcDbObjectId id : ids) {
-    Acad::ErrorStatus es = linkEntity(btr, id);
-    if (es != Acad::eOk) warn(line, "an entity could not join its block (status " + std::to_string(es) + ")");
-    else adoptedBy(id, blockRecord);
+  std::vector<Acad::ErrorStatus> statuses;
+  zepk::db::linkEntities(btr, ids, &statuses);
+  for (size_t i = 0; i < ids.size(); ++i) {
+    if (statuses[i] != Acad::eOk)
+      warn(line, "an entity could not join its block (status " + std::to_string(statuses[i]) + ")");
+    else adoptedBy(ids[i], blockRecord);
   }
   btr->close();
   return true;
@@ -804,8 +806,13 @@ bool Reader::readEntities(const Section& s) {
   }
   if (!readEntityRun(s, 0, s.records.size(), Place::Entities, AcDbObjectId(), ids)) return false;
   // Into their spaces, in file order.
-  for (size_t k = 0; k < ids.size(); ++k) {
-    if (!linkEntities(entityOwners_[k], {ids[k]}, g_[s.start].line)) return false;
+  // Each run of entities of one space joins it at once.
+  for (size_t k = 0; k < ids.size();) {
+    size_t end = k + 1;
+    while (end < ids.size() && entityOwners_[end] == entityOwners_[k]) ++end;
+    std::vector<AcDbObjectId> run(ids.begin() + static_cast<std::ptrdiff_t>(k), ids.begin() + static_cast<std::ptrdiff_t>(end));
+    if (!linkEntities(entityOwners_[k], run, g_[s.start].line)) return false;
+    k = end;
   }
   return true;
 }
