@@ -20,17 +20,6 @@ struct DxfItem;
 class ClassSchema;
 }  // namespace zepk::db
 
-namespace AcDb {
-// What cloning does with a name both drawings have (group 281).
-enum DuplicateRecordCloning {
-  kDrcNotApplicable = 0,
-  kDrcIgnore = 1,
-  kDrcReplace = 2,
-  kDrcXrefMangleName = 3,
-  kDrcMangleName = 4,
-  kDrcUnmangleName = 5,
-};
-}  // namespace AcDb
 
 namespace AcRx {
 enum DictIterType { kDictSorted = 0, kDictCollated = 1 };

@@ -37,6 +37,17 @@ enum OpenMode {
   kForNotify = 2,
 };
 
+// What copying does with a name both drawings have (group 281 of a
+// dictionary).
+enum DuplicateRecordCloning {
+  kDrcNotApplicable = 0,
+  kDrcIgnore = 1,
+  kDrcReplace = 2,
+  kDrcXrefMangleName = 3,
+  kDrcMangleName = 4,
+  kDrcUnmangleName = 5,
+};
+
 // Precision for reals written to DXF: full precision by default.
 enum { kDfltPrec = -1 };
 

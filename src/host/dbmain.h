@@ -32,6 +32,9 @@ class AcDbUCSTable;
 class AcDbViewportTable;
 class AcDbRegAppTable;
 class AcDbDimStyleTable;
+class AcDbIdMapping;
+class AcDbBlockTableRecord;
+class AcGePoint3d;
 
 // A reactor that code attaches to an object for the session (not saved).
 class AcDbObjectReactor : public AcRxObject {
@@ -123,6 +126,21 @@ class AcDbObject : public AcRxObject {
   virtual Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const;
   virtual Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer);
   virtual Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const;
+
+  // Copies. deepClone copies the object within its database into the given
+  // owner (a block for an entity asked for, which gets it appended); what
+  // the object owns is copied with it. wblockClone copies into the owner's
+  // database, which may be another (the owner may then be that database
+  // itself), and also brings what the object refers to by hard pointer:
+  // its layer, linetype, text style, block. Each copy is recorded in the
+  // map; references inside the copies are translated through the map once
+  // everything is copied, by the database's operations below. The copy is
+  // returned open for write, for the caller to close; an erased object
+  // and one already copied give no copy and eOk.
+  virtual Acad::ErrorStatus deepClone(AcDbObject* pOwnerObject, AcDbObject*& pClonedObject, AcDbIdMapping& idMap,
+                                      bool isPrimary = true) const;
+  virtual Acad::ErrorStatus wblockClone(AcRxObject* pOwnerObject, AcDbObject*& pClonedObject, AcDbIdMapping& idMap,
+                                        bool isPrimary = true) const;
 
   // Notifications received by an object that is a persistent reactor of
   // another (dbObj is the object that changed).
@@ -256,6 +274,50 @@ class AcDbDatabase : public AcRxObject {
   void addReactor(AcDbDatabaseReactor* r) const;
   void removeReactor(AcDbDatabaseReactor* r) const;
 
+  // Copying objects (see AcDbObject::deepClone). deepCloneObjects copies
+  // objects of this database into an owner of this database;
+  // wblockCloneObjects copies objects of this database into an owner of
+  // another (or of this), bringing the records and blocks they use: a
+  // record the destination has by name is used as it is (kDrcIgnore),
+  // overwritten (kDrcReplace, not for blocks) or copied under a new name
+  // "$0$NAME" (kDrcMangleName). References are translated at the end
+  // unless deferXlation; the map keeps every pair.
+  Acad::ErrorStatus deepCloneObjects(const AcDbObjectIdArray& objectIds, AcDbObjectId owner, AcDbIdMapping& idMap,
+                                     bool deferXlation = false);
+  Acad::ErrorStatus wblockCloneObjects(const AcDbObjectIdArray& objectIds, AcDbObjectId owner, AcDbIdMapping& idMap,
+                                       AcDb::DuplicateRecordCloning drc, bool deferXlation = false);
+  // A new drawing holding copies of the entities, in model space, with
+  // the base point as its insertion base.
+  Acad::ErrorStatus wblock(AcDbDatabase*& pOutputDb, const AcDbObjectIdArray& outObjIds, const AcGePoint3d& basePoint);
+  // A new drawing whose model space holds the block's entities, with the
+  // block's origin as its insertion base.
+  Acad::ErrorStatus wblock(AcDbDatabase*& pOutputDb, AcDbObjectId blockId);
+  // A copy of the whole drawing.
+  Acad::ErrorStatus wblock(AcDbDatabase*& pOutputDb);
+  // Makes a block named pBlockName from the model space of another
+  // drawing (with what its entities use), its origin the drawing's
+  // insertion base. A name in use gives eDuplicateRecordName; the source
+  // is left as it was.
+  Acad::ErrorStatus insert(AcDbObjectId& blockId, const ACHAR* pBlockName, AcDbDatabase* pDb,
+                           bool preserveSourceDatabase = true);
+  // The same from one block of another drawing.
+  Acad::ErrorStatus insert(AcDbObjectId& blockId, const ACHAR* pSourceBlockName, const ACHAR* pDestinationBlockName,
+                           AcDbDatabase* pDb, bool preserveSourceDatabase = true);
+  // Translates the references of the copies of a map (what a deferred
+  // copy leaves to do).
+  Acad::ErrorStatus translateClonedIds(AcDbIdMapping& idMap);
+
+  // Drawing files. This host reads and writes drawings as DXF: readDwgFile
+  // reads a DXF file into an empty database (a binary DWG file gives
+  // eInvalidDwgVersion, a missing one eFileNotFound, a malformed one
+  // eBadDxfSequence, with the database left empty); saveAs writes DXF,
+  // atomically.
+  Acad::ErrorStatus readDwgFile(const ACHAR* fileName);
+  Acad::ErrorStatus saveAs(const ACHAR* fileName);
+  // The message of the last failed readDwgFile or saveAs, naming the line
+  // of a malformed file.
+  const std::string& lastFileError() const;
+
   // Undo. Inside a mark, the first change of an object records its state;
   // undoBack restores the records of the last mark in reverse order,
   // silently (no notifications), and takes back objects added since.
@@ -315,6 +377,7 @@ class AcDbDatabase : public AcRxObject {
  private:
   friend class AcDbObject;
   friend struct AcDbObjectAccess;
+  friend struct AcDbDatabaseAccess;
   struct Impl;
   AcDbStub* newStub(AcDbHandle h);
   std::unique_ptr<Impl> impl_;

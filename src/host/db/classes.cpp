@@ -4,6 +4,7 @@
 #include "host/db/dxfinternal.h"
 #include "host/db/ents_internal.h"
 #include "host/db/internal.h"
+#include "host/dbidmap.h"
 
 namespace zepk::db {
 
@@ -12,6 +13,7 @@ void registerHostClasses() {
   AcRxClass::desc();
   AcDbObject::desc();
   AcDbDatabase::desc();
+  AcDbIdMapping::desc();
   registerObjectClasses();
   registerEntityClasses();
   registerFileClasses();

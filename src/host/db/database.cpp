@@ -2,10 +2,13 @@
 #include <algorithm>
 #include <cstring>
 #include <deque>
+#include <fstream>
 #include <memory>
 #include <unordered_map>
 #include <unordered_set>
 
+#include "host/db/dxffile.h"
+#include "host/db/dxfinternal.h"
 #include "host/db/internal.h"
 #include "host/dbmain.h"
 #include "host/system/utf.h"
@@ -60,6 +63,8 @@ struct AcDbDatabase::Impl {
   std::vector<zepk::db::UndoMark> marks;
   int openMarks = 0;
   std::vector<zepk::db::HeaderVar> header;
+  // The message of the last failed readDwgFile or saveAs.
+  std::string fileError;
 };
 
 ACRX_DEFINE_HOST_CLASS(AcDbDatabase, AcRxObject, nullptr, nullptr)
@@ -130,6 +135,29 @@ Acad::ErrorStatus AcDbDatabase::getAcDbObjectId(AcDbObjectId& id, bool createIfN
   return Acad::eOk;
 }
 
+Acad::ErrorStatus AcDbDatabaseAccess::moveContents(AcDbDatabase* from, AcDbDatabase* to) {
+  if (!from || !to) return Acad::eNullObjectPointer;
+  if (from == to) return Acad::eSelfReference;
+  if (!to->impl_->stubs.empty()) return Acad::eAlreadyInDb;
+  // Objects refer to their stubs and stubs to their database: the stubs
+  // move as they are (a deque's elements keep their addresses) and are
+  // told their new database.
+  to->impl_->stubs = std::move(from->impl_->stubs);
+  to->impl_->byHandle = std::move(from->impl_->byHandle);
+  to->impl_->header = std::move(from->impl_->header);
+  from->impl_->stubs.clear();
+  from->impl_->byHandle.clear();
+  from->impl_->header.clear();
+  for (AcDbStub& s : to->impl_->stubs) s.db = to;
+  to->handseed_ = from->handseed_;
+  from->handseed_ = AcDbHandle(1);
+  for (int i = 0; i < AcDbDatabase::kRootCount; ++i) {
+    to->roots_[i] = from->roots_[i];
+    from->roots_[i].setNull();
+  }
+  return Acad::eOk;
+}
+
 Acad::ErrorStatus AcDbDatabase::setHandseed(const AcDbHandle& h) {
   for (const auto& [v, s] : impl_->byHandle)
     if (v >= h.value()) return Acad::eInvalidInput;
@@ -197,3 +225,52 @@ UndoMark* openUndoMark(AcDbDatabase* db) {
 }
 
 }  // namespace zepk::db
+
+// ---------------------------------------------------------------- drawing files
+
+Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName) {
+  impl_->fileError.clear();
+  if (!fileName) return Acad::eNullObjectPointer;
+  if (!impl_->stubs.empty()) {
+    impl_->fileError = "the drawing is not empty";
+    return Acad::eAlreadyInDb;
+  }
+  std::string path = zepk::sys::toUtf8(fileName);
+  std::ifstream in(path, std::ios::binary);
+  if (!in) {
+    impl_->fileError = "cannot open \"" + path + "\"";
+    return Acad::eFileNotFound;
+  }
+  char head[6] = {};
+  in.read(head, sizeof head);
+  in.close();
+  // A binary drawing starts with its release ("AC1032"); this host reads
+  // drawings as DXF only.
+  if (std::string_view(head, 4) == "AC10" || std::string_view(head, 4) == "AC24") {
+    impl_->fileError = "\"" + path + "\" is a binary drawing; this host reads drawings as DXF";
+    return Acad::eInvalidDwgVersion;
+  }
+  std::unique_ptr<AcDbDatabase> read;
+  std::string error;
+  if (!zepk::db::readDxf(path, &read, &error)) {
+    impl_->fileError = error;
+    return Acad::eBadDxfSequence;
+  }
+  Acad::ErrorStatus es = AcDbDatabaseAccess::moveContents(read.get(), this);
+  if (es != Acad::eOk) return es;
+  zepk::db::dxfFileData(this) = std::move(zepk::db::dxfFileData(read.get()));
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName) {
+  impl_->fileError.clear();
+  if (!fileName) return Acad::eNullObjectPointer;
+  std::string error;
+  if (!zepk::db::writeDxf(this, zepk::sys::toUtf8(fileName), &error)) {
+    impl_->fileError = error;
+    return Acad::eFileAccessErr;
+  }
+  return Acad::eOk;
+}
+
+const std::string& AcDbDatabase::lastFileError() const { return impl_->fileError; }

@@ -74,4 +74,12 @@ struct AcDbObjectAccess {
   static auto* impl(AcDbDatabase* db) { return db->impl_.get(); }
   static Acad::ErrorStatus open(AcDbObject* o, AcDb::OpenMode mode);
   static AcDbStub* stub(const AcDbObject* o) { return o->stub_; }
+  // Tells the original's reactors (transient, then persistent) of its copy.
+  static void sendCopied(AcDbObject* original, AcDbObject* copy);
+};
+
+struct AcDbDatabaseAccess {
+  // Moves every object, handle and root of `from` into `to`, which must
+  // hold no object; each keeps its reactors. `from` is left empty.
+  static Acad::ErrorStatus moveContents(AcDbDatabase* from, AcDbDatabase* to);
 };

@@ -286,6 +286,12 @@ Acad::ErrorStatus AcDbObject::close() {
   return Acad::eOk;
 }
 
+void AcDbObjectAccess::sendCopied(AcDbObject* original, AcDbObject* copy) {
+  for (AcDbObjectReactor* r : std::vector<AcDbObjectReactor*>(original->reactors_)) r->copied(original, copy);
+  notifyPersistent(original, original->notifying_, original->persistentReactors_,
+                   [&](AcDbObject* r) { r->copied(original, copy); });
+}
+
 Acad::ErrorStatus AcDbObject::cancel() {
   if (mode_ != Mode::Write) return close();
   // Without an undo record of this open there is nothing to go back to
