@@ -16,6 +16,8 @@
 #include <vector>
 
 #include "host/editor/commandline.h"
+#include "host/editor/commands.h"
+#include "host/editor/lispcmds.h"
 #include "host/lisp/interp.h"
 #include "host/lisp/printer.h"
 #include "host/lisp/bridge.h"
@@ -63,17 +65,23 @@ void interactive(editor::CommandLine& cl, lisp::Interp& in) {
   if (const char* home = std::getenv("HOME")) histFile = std::string(home) + "/.zepk_history";
   using_history();
   if (!histFile.empty()) read_history(histFile.c_str());
-  for (;;) {
-    in.out().freshLine();
-    std::string prompt = cl.prompt();
-    char* line = readline(prompt.c_str());
-    if (!line) break;
-    std::string s = line;
-    std::free(line);
-    if (!s.empty()) add_history(s.c_str());
-    // readline has echoed the line and its end; output starts at column 0.
-    cl.feed(s, false);
-  }
+  cl.run(
+      [&](std::string* out) {
+        // A command's prompt is on the line already; at "Command: " the
+        // prompt is readline's own.
+        bool inCommand = editor::Commands::get().depth() > 0;
+        if (!inCommand) in.out().freshLine();
+        std::string prompt = inCommand ? std::string() : cl.prompt();
+        std::fflush(stdout);
+        char* line = readline(prompt.c_str());
+        if (!line) return false;
+        *out = line;
+        std::free(line);
+        if (!out->empty()) add_history(out->c_str());
+        // readline has echoed the line and its end; output starts at column 0.
+        return true;
+      },
+      false);
   cl.finish();
   if (!histFile.empty()) write_history(histFile.c_str());
   std::printf("\n");
@@ -90,9 +98,20 @@ int runSession(const Options& opt) {
   lisp::installDrawing(in);
   rx::loadAutoloadModules();
   editor::CommandLine cl(in);
+  editor::installCommandFunctions(in);
+  editor::registerBuiltinCommands();
+  editor::setScriptRunner([&](const std::u16string& path) {
+    std::string text;
+    if (!readFile(sys::toUtf8(path), &text)) {
+      in.out().write("Cannot find script file \"" + sys::toUtf8(path) + "\".\n");
+      return;
+    }
+    cl.feedScript(text, true);
+  });
 
   int status = 0;
   for (const Step& st : opt.steps) {
+    if (editor::quitRequested) break;
     if (st.kind == Step::Expr) {
       cl.evalAndPrint(sys::fromUtf8(st.text));
       continue;
@@ -121,8 +140,7 @@ int runSession(const Options& opt) {
     if (isatty(STDIN_FILENO)) {
       interactive(cl, in);
     } else {
-      std::string line;
-      while (std::getline(std::cin, line)) cl.feed(line, true);
+      cl.run([](std::string* line) { return static_cast<bool>(std::getline(std::cin, *line)); }, true);
       cl.finish();
     }
   }

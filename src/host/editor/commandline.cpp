@@ -1,5 +1,6 @@
 #include "host/editor/commandline.h"
 
+#include "host/editor/commands.h"
 #include "host/lisp/printer.h"
 #include "host/system/utf.h"
 
@@ -54,25 +55,8 @@ bool CommandLine::evalAndPrint(const std::u16string& text) {
 }
 
 void CommandLine::runCommand(const std::u16string& name) {
-  std::string n = sys::toUtf8(name);
-  // "_" asks for the global name and "." for the built-in form; with only
-  // LISP commands both come to the same.
-  while (!n.empty() && (n[0] == '_' || n[0] == '.' || n[0] == '\'')) n.erase(0, 1);
-  lisp::Symbol* fn = lisp::findSymbol("C:" + n);
-  if (!n.empty() && fn && fn->value.truthy()) {
-    Value v;
-    if (in_.callTop(fn->value, {}, &v) && !lisp::isVoid(v)) {
-      in_.out().freshLine();
-      in_.out().write(lisp::prin1String(v));
-      in_.out().write(std::string_view("\n"));
-    }
-    in_.runQueued();
-    return;
-  }
-  for (char& c : n)
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
-  in_.out().freshLine();
-  in_.out().write("Unknown command \"" + n + "\".  Press F1 for help.\n");
+  Commands::get().run(name);
+  in_.runQueued();
 }
 
 void CommandLine::feed(const std::string& utf8Line, bool echo) {
@@ -84,16 +68,29 @@ void CommandLine::feed(const std::string& utf8Line, bool echo) {
     if (first == std::u16string::npos) return;  // an empty line ends nothing yet
     if (text[first] == u';') return;            // a comment line
   }
+  bool command = pending_.empty() && text[first] != u'(' && text[first] != u'\'' && text[first] != u'!';
+  if (command) {
+    // A command name; the rest of the line answers its prompts, and what
+    // the command leaves of it is read at "Command: " again.
+    size_t end = text.find_first_of(u" \t", first);
+    std::u16string name = text.substr(first, end == std::u16string::npos ? std::u16string::npos : end - first);
+    if (echo) {
+      in_.out().freshLine();
+      in_.out().write(prompt());
+      in_.out().write(std::u16string_view(name));
+      in_.out().write(std::string_view("\n"));
+    }
+    Commands& c = Commands::get();
+    if (end != std::u16string::npos) c.setLine(text.substr(end + 1));
+    runCommand(name);
+    std::u16string rest;
+    if (c.takeLineRest(&rest) && rest.find_first_not_of(u" \t") != std::u16string::npos)
+      feed(sys::toUtf8(rest.substr(rest.find_first_not_of(u" \t"))), echo);
+    return;
+  }
   if (echo) {
     in_.out().freshLine();
     in_.out().write(prompt() + line + "\n");
-  }
-  if (pending_.empty() && text[first] != u'(' && text[first] != u'\'' && text[first] != u'!') {
-    // A command name; the rest of the line is its answers, which are kept
-    // for the command's prompts once commands take answers.
-    size_t end = text.find_first_of(u" \t", first);
-    runCommand(text.substr(first, end == std::u16string::npos ? std::u16string::npos : end - first));
-    return;
   }
   if (pending_.empty() && text[first] == u'!') {
     // !symbol shows a variable's value, as at the host's prompt.
@@ -109,16 +106,29 @@ void CommandLine::feed(const std::string& utf8Line, bool echo) {
 }
 
 void CommandLine::feedScript(const std::string& text, bool echo) {
-  size_t start = 0;
-  while (start <= text.size()) {
-    size_t nl = text.find('\n', start);
-    if (nl == std::string::npos) {
-      if (start < text.size()) feed(text.substr(start), echo);
-      break;
-    }
-    feed(text.substr(start, nl - start), echo);
-    start = nl + 1;
-  }
+  size_t pos = 0;
+  run(
+      [&](std::string* line) {
+        if (pos >= text.size()) return false;
+        size_t nl = text.find('\n', pos);
+        if (nl == std::string::npos) nl = text.size();
+        *line = text.substr(pos, nl - pos);
+        pos = nl + 1;
+        return true;
+      },
+      echo);
+}
+
+void CommandLine::run(std::function<bool(std::string*)> next, bool echo) {
+  Commands& c = Commands::get();
+  // Commands read their answers from the same input; a script inside a
+  // script takes over until its end.
+  auto saved = c.lineSource();
+  bool savedEcho = c.echo();
+  c.setLineSource(next, echo);
+  std::string line;
+  while (!quitRequested && next(&line)) feed(line, echo);
+  c.setLineSource(saved, savedEcho);
 }
 
 void CommandLine::finish() {

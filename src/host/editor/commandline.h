@@ -5,6 +5,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <string>
 
 #include "host/lisp/interp.h"
@@ -19,6 +20,9 @@ class CommandLine {
   // to the output first, as the host's text window shows them (used when the
   // input is not a terminal, which does not echo by itself).
   void feed(const std::string& utf8Line, bool echo);
+  // Reads lines from next until its end or QUIT; commands take their
+  // answers from the same lines.
+  void run(std::function<bool(std::string*)> next, bool echo);
   // Feeds a whole script, line by line.
   void feedScript(const std::string& utf8Text, bool echo);
   // True while an expression is open (more lines are needed).

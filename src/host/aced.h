@@ -1,0 +1,76 @@
+// The editor's side of the host API: the command stack, running commands
+// with their answers, and asking the user for input.
+#pragma once
+
+#include <cstdint>
+
+#include "host/acadstrc.h"
+#include "host/ads.h"
+
+// Command flags.
+enum : int32_t {
+  ACRX_CMD_MODAL = 0,
+  ACRX_CMD_TRANSPARENT = 1,
+  ACRX_CMD_USEPICKSET = 2,
+  ACRX_CMD_REDRAW = 4,
+  ACRX_CMD_NOPAPERSPACE = 0x40,
+  ACRX_CMD_SESSION = 0x200000,
+};
+
+typedef void (*AcRxFunctionPtr)();
+
+// The registered commands. A command is found by its local name, by its
+// global name after "_", with "." asking for the built-in command of that
+// name and "'" for use inside another command (only transparent commands
+// run so). Names are case-insensitive. A name taken by a command already
+// registered in the same group gives eDuplicateKey; a later group's
+// command of the same name hides an earlier one until removed.
+class AcEdCommandStack {
+ public:
+  Acad::ErrorStatus addCommand(const ACHAR* cmdGroupName, const ACHAR* cmdGlobalName, const ACHAR* cmdLocalName,
+                               int32_t commandFlags, AcRxFunctionPtr functionAddr, void* uiContext = nullptr,
+                               int fcode = -1, void* resourceHandle = nullptr, void** cmdPtrRet = nullptr);
+  // Removes every command of the group; eKeyNotFound for an unknown group.
+  Acad::ErrorStatus removeGroup(const ACHAR* groupName);
+  // Removes one command of a group by its global name.
+  Acad::ErrorStatus removeCmd(const ACHAR* cmdGroupName, const ACHAR* cmdGlobalName);
+};
+
+AcEdCommandStack* acedRegCmdsPtr();
+#define acedRegCmds acedRegCmdsPtr()
+
+// Runs commands with their answers. acedCommandS takes (type, value) pairs
+// ended by RTNONE or 0, acedCmdS and acedCmd a chain: RTSTR names a
+// command or answers a prompt ("" is Enter), RTPOINT/RT3DPOINT, RTREAL,
+// RTSHORT/RTLONG and RTENAME answer as such. The S forms run the commands
+// to their end on the answers given; an answer missing cancels the
+// command. acedCmd leaves a command that still prompts to read its answers
+// from the command line. Returns RTNORM, RTCAN when a command was
+// cancelled, RTERROR for an unknown command or a bad node.
+int acedCommandS(int rtype, ...);
+int acedCmdS(const resbuf* rb);
+int acedCmd(const resbuf* rb);
+
+// Input from the user, taken from the answers pending (the rest of a
+// script line, those given to a running command, then the command line).
+// Each gives RTNORM, RTNONE for Enter (when acedInitGet allows it),
+// RTKWORD for a keyword (acedGetInput gives it), RTCAN when cancelled or
+// when the input ends. acedInitGet's bits apply to the next call only.
+enum : int {
+  RSG_NONULL = 1,
+  RSG_NOZERO = 2,
+  RSG_NONEG = 4,
+  RSG_NOLIM = 8,
+  RSG_GETZ = 16,
+  RSG_DASH = 32,
+  RSG_2D = 64,
+  RSG_OTHER = 128,
+};
+int acedInitGet(int val, const ACHAR* kwl);
+int acedGetPoint(const ads_point pt, const ACHAR* prompt, ads_point result);
+int acedGetReal(const ACHAR* prompt, ads_real* result);
+int acedGetInt(const ACHAR* prompt, int* result);
+int acedGetDist(const ads_point pt, const ACHAR* prompt, ads_real* result);
+int acedGetString(int cronly, const ACHAR* prompt, ACHAR* result, size_t bufLen);
+int acedGetKword(const ACHAR* prompt, ACHAR* result, size_t bufLen);
+int acedGetInput(ACHAR* str, size_t bufLen);

@@ -1,0 +1,678 @@
+// The host's own commands: drawings (NEW, OPEN, SAVE...), drawing entities
+// (LINE, CIRCLE, POINT, TEXT), changing them (ERASE, MOVE, COPY), layers,
+// undo, and loading programs.
+#include <cmath>
+#include <cstdio>
+#include <array>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/dbapserv.h"
+#include "host/dbents.h"
+#include "host/dbidmap.h"
+#include "host/dbsymtb.h"
+#include "host/editor/commands.h"
+#include "host/editor/input.h"
+#include "host/editor/sysvars.h"
+#include "host/entlist.h"
+#include "host/gemat3d.h"
+#include "host/rxmodule.h"
+#include "host/system/utf.h"
+
+namespace zepk::editor {
+
+namespace {
+
+Commands& cmds() { return Commands::get(); }
+AcDbDatabase* db() { return acdbHostApplicationServices()->workingDatabase(); }
+
+void say(const std::string& utf8) { cmds().print(utf8); }
+
+std::u16string upper(std::u16string s) {
+  for (char16_t& c : s)
+    if (c >= u'a' && c <= u'z') c = static_cast<char16_t>(c - 32);
+  return s;
+}
+
+std::u16string sysString(const char16_t* name) {
+  SysValue v;
+  return getSysVar(name, &v) && v.kind == SysValue::String ? v.s : std::u16string();
+}
+
+double sysReal(const char16_t* name, double fallback) {
+  SysValue v;
+  if (!getSysVar(name, &v)) return fallback;
+  return v.kind == SysValue::Real ? v.r : v.kind == SysValue::Int ? v.i : fallback;
+}
+
+std::string fmt(double v) {
+  char buf[64];
+  std::snprintf(buf, sizeof buf, "%.4f", v);
+  return buf;
+}
+
+// Adds an entity to model space with the current layer, linetype and
+// colour. Takes ownership; null id on failure.
+AcDbObjectId addEntity(AcDbEntity* e) {
+  AcDbObjectId id;
+  AcDbDatabase* d = db();
+  if (!d) {
+    delete e;
+    return id;
+  }
+  e->setDatabaseDefaults(d);
+  std::u16string layer = sysString(u"CLAYER");
+  if (!layer.empty()) e->setLayer(layer.c_str());
+  std::u16string lt = sysString(u"CELTYPE");
+  if (!lt.empty()) e->setLinetype(lt.c_str());
+  std::u16string color = upper(sysString(u"CECOLOR"));
+  if (color == u"BYBLOCK") {
+    e->setColorIndex(0);
+  } else if (!color.empty() && color != u"BYLAYER") {
+    int index = std::atoi(sys::toUtf8(color).c_str());
+    if (index >= 1 && index <= 255) e->setColorIndex(static_cast<Adesk::UInt16>(index));
+  }
+  AcDbBlockTable* table = nullptr;
+  AcDbBlockTableRecord* space = nullptr;
+  if (d->getBlockTable(table, AcDb::kForRead) == Acad::eOk) {
+    table->getAt(ACDB_MODEL_SPACE, space, AcDb::kForWrite);
+    table->close();
+  }
+  if (!space || space->appendAcDbEntity(id, e) != Acad::eOk) {
+    if (space) space->close();
+    delete e;
+    return AcDbObjectId();
+  }
+  space->close();
+  e->close();
+  return id;
+}
+
+// --------------------------------------------------------------- drawing
+
+void cmdLine() {
+  double first[3], prev[3];
+  int st = getPoint(nullptr, u"\nSpecify first point: ", first);
+  if (st != RTNORM) return;
+  for (int i = 0; i < 3; ++i) prev[i] = first[i];
+  std::vector<AcDbObjectId> made;
+  std::vector<std::array<double, 3>> pts{{first[0], first[1], first[2]}};
+  for (;;) {
+    initGet(0, made.size() >= 2 ? u"Close Undo" : u"Undo");
+    const char16_t* prompt =
+        made.size() >= 2 ? u"\nSpecify next point or [Close/Undo]: " : u"\nSpecify next point or [Undo]: ";
+    double p[3];
+    st = getPoint(prev, prompt, p);
+    if (st == RTKWORD) {
+      std::u16string k = lastInputKeyword();
+      if (k == u"Undo") {
+        if (made.empty()) {
+          say("All segments already undone.\n");
+          continue;
+        }
+        AcDbEntity* e = nullptr;
+        if (acdbOpenObject(e, made.back(), AcDb::kForWrite) == Acad::eOk) {
+          e->erase();
+          e->close();
+        }
+        made.pop_back();
+        pts.pop_back();
+        for (int i = 0; i < 3; ++i) prev[i] = pts.back()[i];
+        continue;
+      }
+      // Close: back to the first point, and the command ends.
+      made.push_back(addEntity(new AcDbLine(AcGePoint3d(prev[0], prev[1], prev[2]),
+                                            AcGePoint3d(first[0], first[1], first[2]))));
+      return;
+    }
+    if (st != RTNORM) return;
+    made.push_back(addEntity(new AcDbLine(AcGePoint3d(prev[0], prev[1], prev[2]), AcGePoint3d(p[0], p[1], p[2]))));
+    pts.push_back({p[0], p[1], p[2]});
+    for (int i = 0; i < 3; ++i) prev[i] = p[i];
+  }
+}
+
+void cmdCircle() {
+  double c[3];
+  if (getPoint(nullptr, u"\nSpecify center point for circle: ", c) != RTNORM) return;
+  double r = 0;
+  initGet(RSG_NOZERO | RSG_NONEG, u"Diameter");
+  int st = getReal(u"\nSpecify radius of circle or [Diameter]: ", &r, false, c);
+  if (st == RTKWORD) {
+    initGet(RSG_NOZERO | RSG_NONEG, u"");
+    if (getReal(u"\nSpecify diameter of circle: ", &r, false, c) != RTNORM) return;
+    r /= 2;
+  } else if (st != RTNORM) {
+    return;
+  }
+  addEntity(new AcDbCircle(AcGePoint3d(c[0], c[1], c[2]), AcGeVector3d(0, 0, 1), r));
+}
+
+void cmdPoint() {
+  double p[3];
+  if (getPoint(nullptr, u"\nSpecify a point: ", p) != RTNORM) return;
+  addEntity(new AcDbPoint(AcGePoint3d(p[0], p[1], p[2])));
+}
+
+void cmdText() {
+  double p[3];
+  if (getPoint(nullptr, u"\nSpecify start point of text: ", p) != RTNORM) return;
+  double h = sysReal(u"TEXTSIZE", 2.5);
+  initGet(RSG_NOZERO | RSG_NONEG, u"");
+  int st = getReal(u"\nSpecify height <" + sys::fromUtf8(fmt(h)) + u">: ", &h, false, p);
+  if (st != RTNORM && st != RTNONE) return;
+  double angle = 0;
+  st = getReal(u"\nSpecify rotation angle of text <0>: ", &angle, false, nullptr);
+  if (st != RTNORM && st != RTNONE) return;
+  std::u16string text;
+  if (getString(true, u"\nEnter text: ", &text) != RTNORM) return;
+  if (st == RTNONE) angle = 0;
+  setSysVar(u"TEXTSIZE", SysValue::real(h));
+  auto* t = new AcDbText(AcGePoint3d(p[0], p[1], p[2]), text.c_str());
+  t->setHeight(h);
+  t->setRotation(angle * M_PI / 180.0);
+  addEntity(t);
+}
+
+// ------------------------------------------------------------- selection
+
+// "Select objects:" until Enter: entity names, sets, "L", "ALL", "P".
+// False when cancelled.
+bool selectObjects(std::vector<AcDbObjectId>* out) {
+  for (;;) {
+    Answer a;
+    if (cmds().next(u"\nSelect objects: ", false, &a) != RTNORM) return false;
+    std::vector<AcDbObjectId> found;
+    auto addName = [&](const int64_t n[2]) {
+      ads_name en = {n[0], n[1]};
+      AcDbObjectId id;
+      if (acdbGetObjectId(id, en) == Acad::eOk && !id.isNull() && !id.isErased()) found.push_back(id);
+    };
+    auto addSet = [&](const ads_name ss) {
+      int32_t len = 0;
+      acedSSLength(ss, &len);
+      for (int32_t i = 0; i < len; ++i) {
+        ads_name en;
+        if (acedSSName(ss, i, en) == RTNORM) addName(en);
+      }
+    };
+    if (a.kind == Answer::Name) {
+      addName(a.name);
+    } else if (a.kind == Answer::Picks) {
+      ads_name ss = {a.name[0], a.name[1]};
+      addSet(ss);
+    } else if (a.kind == Answer::Text) {
+      std::u16string t = upper(a.text);
+      if (t.empty()) return true;
+      ads_name ss;
+      if (t == u"L" || t == u"LAST") {
+        ads_name en;
+        if (acdbEntLast(en) == RTNORM) addName(en);
+      } else if (t == u"ALL" || t == u"P" || t == u"PREVIOUS") {
+        if (acedSSGet(t == u"ALL" ? u"X" : u"P", nullptr, nullptr, nullptr, ss) == RTNORM) {
+          addSet(ss);
+          acedSSFree(ss);
+        }
+      } else {
+        say("*Invalid selection*\n");
+        continue;
+      }
+    } else {
+      say("*Invalid selection*\n");
+      continue;
+    }
+    size_t dup = 0;
+    for (const AcDbObjectId& id : found) {
+      bool have = false;
+      for (const AcDbObjectId& o : *out) have = have || o == id;
+      if (have) {
+        ++dup;
+      } else {
+        out->push_back(id);
+      }
+    }
+    std::string msg = std::to_string(found.size()) + " found";
+    if (dup) msg += " (" + std::to_string(dup) + " duplicate)";
+    say(msg + ", " + std::to_string(out->size()) + " total\n");
+  }
+}
+
+void cmdErase() {
+  std::vector<AcDbObjectId> ids;
+  if (!selectObjects(&ids)) return;
+  for (const AcDbObjectId& id : ids) {
+    AcDbEntity* e = nullptr;
+    if (acdbOpenObject(e, id, AcDb::kForWrite) != Acad::eOk) continue;
+    e->erase();
+    e->close();
+  }
+}
+
+// Moves entities by a displacement through their data lists: world points
+// move by it, points in the entity's own system by it seen in that system.
+void moveBy(const std::vector<AcDbObjectId>& ids, const double d[3]) {
+  for (const AcDbObjectId& id : ids) {
+    ads_name en;
+    if (acdbGetAdsName(en, id) != Acad::eOk) continue;
+    resbuf* list = acdbEntGet(en);
+    if (!list) continue;
+    std::u16string type;
+    double normal[3] = {0, 0, 1};
+    for (resbuf* p = list; p; p = p->rbnext) {
+      if (p->restype == 0 && p->resval.rstring) type = p->resval.rstring;
+      if (p->restype == 210)
+        for (int i = 0; i < 3; ++i) normal[i] = p->resval.rpoint[i];
+    }
+    bool world = type == u"LINE" || type == u"POINT" || type == u"3DFACE" || type == u"ELLIPSE" ||
+                 type == u"SPLINE" || type == u"MTEXT" || type == u"XLINE" || type == u"RAY" ||
+                 type == u"LEADER" || type == u"MLINE";
+    double v[3] = {d[0], d[1], d[2]};
+    if (!world) acdbWcs2Ecs(d, v, normal, true);
+    for (resbuf* p = list; p; p = p->rbnext) {
+      short c = p->restype;
+      bool pointGroup = (c >= 10 && c <= 18);
+      if (type == u"SPLINE" || type == u"ELLIPSE" || type == u"XLINE" || type == u"RAY")
+        pointGroup = c == 10 || c == 11 && type == u"SPLINE";
+      if (type == u"MTEXT") pointGroup = c == 10;
+      if (pointGroup) {
+        for (int i = 0; i < 3; ++i) p->resval.rpoint[i] += v[i];
+      } else if (c == 38 && type == u"LWPOLYLINE") {
+        p->resval.rreal += v[2];
+      }
+    }
+    acdbEntMod(list);
+    acutRelRb(list);
+  }
+}
+
+bool displacement(double d[3]) {
+  double base[3], second[3];
+  initGet(0, u"Displacement");
+  int st = getPoint(nullptr, u"\nSpecify base point or [Displacement] <Displacement>: ", base);
+  if (st == RTKWORD || st == RTNONE) {
+    double last[3] = {0, 0, 0};
+    if (getPoint(last, u"\nSpecify displacement <0.0000, 0.0000, 0.0000>: ", d) == RTNONE) d[0] = d[1] = d[2] = 0;
+    return !cmds().cancelled;
+  }
+  if (st != RTNORM) return false;
+  st = getPoint(base, u"\nSpecify second point or <use first point as displacement>: ", second);
+  if (st == RTNONE) {
+    for (int i = 0; i < 3; ++i) d[i] = base[i];
+    return true;
+  }
+  if (st != RTNORM) return false;
+  for (int i = 0; i < 3; ++i) d[i] = second[i] - base[i];
+  return true;
+}
+
+void cmdMove() {
+  std::vector<AcDbObjectId> ids;
+  if (!selectObjects(&ids) || ids.empty()) return;
+  double d[3];
+  if (!displacement(d)) return;
+  moveBy(ids, d);
+}
+
+void cmdCopy() {
+  std::vector<AcDbObjectId> ids;
+  if (!selectObjects(&ids) || ids.empty()) return;
+  double d[3];
+  if (!displacement(d)) return;
+  AcDbDatabase* d0 = db();
+  AcDbBlockTable* table = nullptr;
+  AcDbObjectId space;
+  if (d0->getBlockTable(table, AcDb::kForRead) != Acad::eOk) return;
+  table->getAt(ACDB_MODEL_SPACE, space);
+  table->close();
+  AcDbIdMapping map;
+  if (d0->deepCloneObjects(ids, space, map) != Acad::eOk) return;
+  std::vector<AcDbObjectId> copies;
+  for (const AcDbObjectId& id : ids) {
+    AcDbIdPair pair(id, AcDbObjectId(), false);
+    if (map.compute(pair) && pair.isCloned()) copies.push_back(pair.value());
+  }
+  moveBy(copies, d);
+}
+
+// ----------------------------------------------------------------- files
+
+bool endsWithDxf(const std::u16string& s) {
+  return s.size() >= 4 && upper(s.substr(s.size() - 4)) == u".DXF";
+}
+
+std::u16string currentPath() {
+  std::u16string prefix = sysString(u"DWGPREFIX"), name = sysString(u"DWGNAME");
+  return prefix + name;
+}
+
+void setPath(const std::u16string& path) {
+  size_t slash = path.find_last_of(u'/');
+  std::u16string folder = slash == std::u16string::npos ? u"" : path.substr(0, slash + 1);
+  std::u16string name = slash == std::u16string::npos ? path : path.substr(slash + 1);
+  setDrawingPath(folder, name);
+}
+
+// Whether the working drawing has a file of its own (opened or saved).
+bool titled = false;
+
+bool saveTo(std::u16string path) {
+  if (!endsWithDxf(path)) path += u".dxf";
+  Acad::ErrorStatus es = db()->saveAs(path.c_str());
+  if (es != Acad::eOk) {
+    say("Cannot save " + sys::toUtf8(path) + ": " + db()->lastFileError() + "\n");
+    return false;
+  }
+  setPath(path);
+  titled = true;
+  return true;
+}
+
+bool named() { return titled; }
+
+void cmdSaveAs() {
+  std::u16string path;
+  std::u16string prompt = u"\nSave drawing as <" + currentPath() + u">: ";
+  if (getString(true, prompt, &path) != RTNORM) return;
+  if (path.empty()) path = currentPath();
+  saveTo(path);
+}
+
+void cmdQSave() {
+  if (!named()) {
+    cmdSaveAs();
+    return;
+  }
+  saveTo(currentPath());
+}
+
+std::vector<std::unique_ptr<AcDbDatabase>>& drawings() {
+  // Drawings opened by commands live to the end of the session, since LISP
+  // values may still name their objects.
+  static std::vector<std::unique_ptr<AcDbDatabase>> all;
+  return all;
+}
+
+void makeCurrent(AcDbDatabase* d, const std::u16string& path) {
+  drawings().emplace_back(d);
+  acdbHostApplicationServices()->setWorkingDatabase(d);
+  titled = !path.empty();
+  if (path.empty()) {
+    setDrawingPath(u"", u"Drawing1.dxf");
+  } else {
+    setPath(path);
+  }
+}
+
+void cmdNew() {
+  std::u16string templ;
+  if (getString(true, u"\nEnter template file name or [. (for none)] <.>: ", &templ) != RTNORM) return;
+  makeCurrent(new AcDbDatabase(true), u"");
+}
+
+void cmdOpen() {
+  std::u16string path;
+  if (getString(true, u"\nEnter name of drawing to open: ", &path) != RTNORM || path.empty()) return;
+  auto d = std::make_unique<AcDbDatabase>(false);
+  Acad::ErrorStatus es = d->readDwgFile(path.c_str());
+  if (es != Acad::eOk && !endsWithDxf(path)) {
+    d = std::make_unique<AcDbDatabase>(false);
+    es = d->readDwgFile((path + u".dxf").c_str());
+    if (es == Acad::eOk) path += u".dxf";
+  }
+  if (es != Acad::eOk) {
+    std::string msg = d->lastFileError();
+    say((msg.empty() ? "Cannot open " + sys::toUtf8(path) : msg) + "\n");
+    return;
+  }
+  makeCurrent(d.release(), path);
+}
+
+void cmdClose() {
+  makeCurrent(new AcDbDatabase(true), u"");
+}
+
+// ----------------------------------------------------------------- layers
+
+AcDbLayerTableRecord* openLayer(const std::u16string& name, AcDb::OpenMode mode) {
+  AcDbLayerTable* table = nullptr;
+  if (db()->getLayerTable(table, AcDb::kForRead) != Acad::eOk) return nullptr;
+  AcDbLayerTableRecord* rec = nullptr;
+  table->getAt(name.c_str(), rec, mode);
+  table->close();
+  return rec;
+}
+
+bool newLayer(const std::u16string& name) {
+  if (AcDbLayerTableRecord* rec = openLayer(name, AcDb::kForRead)) {
+    rec->close();
+    return true;
+  }
+  AcDbLayerTable* table = nullptr;
+  if (db()->getLayerTable(table, AcDb::kForWrite) != Acad::eOk) return false;
+  auto* rec = new AcDbLayerTableRecord;
+  bool ok = rec->setName(name.c_str()) == Acad::eOk && table->add(rec) == Acad::eOk;
+  if (ok) {
+    rec->close();
+  } else {
+    delete rec;
+  }
+  table->close();
+  return ok;
+}
+
+// Layer names of an answer: a comma-separated list.
+std::vector<std::u16string> names(const std::u16string& s) {
+  std::vector<std::u16string> out;
+  size_t start = 0;
+  while (start <= s.size()) {
+    size_t c = s.find(u',', start);
+    if (c == std::u16string::npos) c = s.size();
+    if (c > start) out.push_back(s.substr(start, c - start));
+    start = c + 1;
+  }
+  return out;
+}
+
+void cmdLayer() {
+  for (;;) {
+    std::u16string k;
+    initGet(0, u"New Make Set ON OFF Color Lock Unlock");
+    say("Current layer:  \"" + sys::toUtf8(sysString(u"CLAYER")) + "\"\n");
+    int st = getKword(u"\nEnter an option [New/Make/Set/ON/OFF/Color/Lock/Unlock]: ", &k);
+    if (st != RTNORM) return;
+    std::u16string answer;
+    if (k == u"Color") {
+      std::u16string color;
+      if (getString(false, u"\nEnter color name or number (1-255): ", &color) != RTNORM) return;
+      int index = std::atoi(sys::toUtf8(color).c_str());
+      if (index < 1 || index > 255) {
+        say("Invalid color.\n");
+        continue;
+      }
+      if (getString(false, u"\nEnter name list of layer(s) for color " + color + u" <" + sysString(u"CLAYER") + u">: ",
+                    &answer) != RTNORM)
+        return;
+      if (answer.empty()) answer = sysString(u"CLAYER");
+      for (const std::u16string& n : names(answer))
+        if (AcDbLayerTableRecord* rec = openLayer(n, AcDb::kForWrite)) {
+          rec->setColorIndex(static_cast<Adesk::Int16>(index));
+          rec->close();
+        }
+      continue;
+    }
+    std::u16string prompt = k == u"New"    ? u"\nEnter name list for new layer(s): "
+                            : k == u"Make" ? u"\nEnter name for new layer (becomes the current layer) <" +
+                                                 sysString(u"CLAYER") + u">: "
+                            : k == u"Set"  ? u"\nEnter layer name to make current or <select object>: "
+                                           : u"\nEnter name list of layer(s) to " + upper(k) + u": ";
+    if (k == u"Lock" || k == u"Unlock") prompt = u"\nEnter name list of layer(s) to " + k + u": ";
+    if (getString(false, prompt, &answer) != RTNORM) return;
+    if (answer.empty()) continue;
+    if (k == u"New") {
+      for (const std::u16string& n : names(answer))
+        if (!newLayer(n)) say("Invalid layer name.\n");
+    } else if (k == u"Make") {
+      if (!newLayer(answer)) {
+        say("Invalid layer name.\n");
+      } else {
+        setSysVar(u"CLAYER", SysValue::string(answer));
+      }
+    } else if (k == u"Set") {
+      if (AcDbLayerTableRecord* rec = openLayer(answer, AcDb::kForRead)) {
+        rec->close();
+        setSysVar(u"CLAYER", SysValue::string(answer));
+      } else {
+        say("Cannot find layer \"" + sys::toUtf8(answer) + "\".\n");
+      }
+    } else {
+      for (const std::u16string& n : names(answer)) {
+        AcDbLayerTableRecord* rec = openLayer(n, AcDb::kForWrite);
+        if (!rec) {
+          say("Cannot find layer \"" + sys::toUtf8(n) + "\".\n");
+          continue;
+        }
+        if (k == u"ON") rec->setIsOff(false);
+        if (k == u"OFF") rec->setIsOff(true);
+        if (k == u"Lock") rec->setIsLocked(true);
+        if (k == u"Unlock") rec->setIsLocked(false);
+        rec->close();
+      }
+    }
+  }
+}
+
+// ------------------------------------------------------------------- undo
+
+void undoSteps(int n) {
+  int done = 0;
+  while (done < n && db()->undoMarkCount() > 0 && db()->undoBack()) ++done;
+  if (done == 0) say("Everything has been undone\n");
+}
+
+void cmdU() { undoSteps(1); }
+
+std::vector<int>& marks() {
+  // UNDO Mark: the mark count at each mark, newest last.
+  static std::vector<int> m;
+  return m;
+}
+
+void cmdUndo() {
+  initGet(RSG_NOZERO | RSG_NONEG, u"Mark Back");
+  double n = 1;
+  int st = getReal(u"\nEnter the number of operations to undo or [Mark/Back] <1>: ", &n, true, nullptr);
+  if (st == RTNONE) n = 1;
+  if (st == RTKWORD) {
+    std::u16string k = lastInputKeyword();
+    if (k == u"Mark") {
+      marks().push_back(db()->undoMarkCount());
+      return;
+    }
+    if (marks().empty()) {
+      while (db()->undoMarkCount() > 0 && db()->undoBack()) {
+      }
+      say("Everything has been undone\n");
+      return;
+    }
+    int target = marks().back();
+    marks().pop_back();
+    while (db()->undoMarkCount() > target && db()->undoBack()) {
+    }
+    return;
+  }
+  if (st != RTNORM && st != RTNONE) return;
+  undoSteps(static_cast<int>(n));
+}
+
+// -------------------------------------------------------------- inquiry
+
+void cmdId() {
+  double p[3];
+  if (getPoint(nullptr, u"\nSpecify point: ", p) != RTNORM) return;
+  say("X = " + fmt(p[0]) + "     Y = " + fmt(p[1]) + "     Z = " + fmt(p[2]) + "\n");
+}
+
+// ---------------------------------------------------------------- modules
+
+void cmdArx() {
+  std::u16string k;
+  initGet(0, u"? Load Unload");
+  if (getKword(u"\nEnter an option [?/Load/Unload]: ", &k) != RTNORM) return;
+  if (k == u"?") {
+    resbuf* list = acedArxLoaded();
+    for (resbuf* p = list; p; p = p->rbnext)
+      if (p->restype == RTSTR && p->resval.rstring) say(sys::toUtf8(p->resval.rstring) + "\n");
+    acutRelRb(list);
+    return;
+  }
+  std::u16string name;
+  if (getString(true, k == u"Load" ? u"\nRuntime extension file: " : u"\nUnload Runtime extension: ", &name) != RTNORM)
+    return;
+  if (name.empty()) return;
+  rx::Status st = k == u"Load" ? rx::loadModule(name) : rx::unloadModule(name);
+  if (st != rx::Status::Ok)
+    say(sys::toUtf8(name) + (k == u"Load" ? " could not be loaded.\n" : " could not be unloaded.\n"));
+}
+
+}  // namespace
+
+// Runs LISP's load on a file; set by the LISP side.
+std::function<bool(const std::u16string&)> loadLispFile;
+
+namespace {
+
+void cmdAppload() {
+  std::u16string path;
+  if (getString(true, u"\nFile to load: ", &path) != RTNORM || path.empty()) return;
+  if (!loadLispFile || !loadLispFile(path)) return;
+  std::u16string base = path.substr(path.find_last_of(u'/') == std::u16string::npos ? 0 : path.find_last_of(u'/') + 1);
+  say(sys::toUtf8(base) + " successfully loaded.\n");
+}
+
+// Script files: their lines are read as if typed, after the command ends.
+std::function<void(const std::u16string&)> runScriptHook;
+
+void cmdScript() {
+  std::u16string path;
+  if (getString(true, u"\nEnter script file name: ", &path) != RTNORM || path.empty()) return;
+  if (runScriptHook) runScriptHook(path);
+}
+
+void cmdQuit() { quitRequested = true; }
+
+}  // namespace
+
+bool quitRequested = false;
+
+void setScriptRunner(std::function<void(const std::u16string&)> fn) { runScriptHook = std::move(fn); }
+
+void registerBuiltinCommands() {
+  struct Row {
+    const char16_t* name;
+    AcRxFunctionPtr fn;
+    bool noUndo;
+  };
+  static const Row rows[] = {
+      {u"LINE", cmdLine, false},     {u"CIRCLE", cmdCircle, false}, {u"POINT", cmdPoint, false},
+      {u"TEXT", cmdText, false},     {u"ERASE", cmdErase, false},   {u"MOVE", cmdMove, false},
+      {u"COPY", cmdCopy, false},     {u"-LAYER", cmdLayer, false},  {u"U", cmdU, true},
+      {u"UNDO", cmdUndo, true},      {u"ID", cmdId, true},          {u"SAVE", cmdSaveAs, true},
+      {u"SAVEAS", cmdSaveAs, true},  {u"QSAVE", cmdQSave, true},    {u"NEW", cmdNew, true},
+      {u"OPEN", cmdOpen, true},      {u"CLOSE", cmdClose, true},    {u"QUIT", cmdQuit, true},
+      {u"ARX", cmdArx, true},        {u"APPLOAD", cmdAppload, true}, {u"SCRIPT", cmdScript, true},
+  };
+  for (const Row& r : rows) {
+    CommandDef d;
+    d.group = u"ZEPK_HOST";
+    d.global = d.local = r.name;
+    d.fn = r.fn;
+    d.builtin = true;
+    d.noUndoMark = r.noUndo;
+    if (std::u16string(r.name) == u"ID") d.flags = ACRX_CMD_TRANSPARENT;
+    Commands::get().add(d);
+  }
+}
+
+}  // namespace zepk::editor

@@ -1,0 +1,267 @@
+// LISP's side of the command processor: command, command-s and vl-cmdf,
+// the input functions (getpoint, getreal...), C: functions as commands and
+// LISP expressions typed as answers.
+#include <cmath>
+
+#include "host/editor/commands.h"
+#include "host/editor/input.h"
+#include "host/editor/lispcmds.h"
+#include "host/lisp/interp.h"
+#include "host/lisp/printer.h"
+#include "host/system/utf.h"
+
+namespace zepk::editor {
+
+extern std::function<bool(const std::u16string&)> loadLispFile;
+
+namespace {
+
+using lisp::ArgSpan;
+using lisp::Interp;
+using lisp::Value;
+
+// An answer from a LISP value; false for a value no prompt takes.
+bool answerOf(const Value& v, Answer* a) {
+  double p[3];
+  int dim = 0;
+  switch (v.tag()) {
+    case lisp::Tag::Str:
+      a->kind = Answer::Text;
+      a->text = v.as<lisp::String>()->s;
+      if (a->text == u"\\") a->kind = Answer::Pause;
+      return true;
+    case lisp::Tag::Int:
+      a->kind = Answer::Int;
+      a->i = static_cast<int32_t>(v.asNumber());
+      return true;
+    case lisp::Tag::Real:
+      a->kind = Answer::Real;
+      a->r = v.asNumber();
+      return true;
+    case lisp::Tag::Ename:
+      a->kind = Answer::Name;
+      a->name[0] = v.as<lisp::Ename>()->name[0];
+      a->name[1] = v.as<lisp::Ename>()->name[1];
+      return true;
+    case lisp::Tag::Pickset:
+      a->kind = Answer::Picks;
+      a->name[0] = v.as<lisp::Pickset>()->name[0];
+      a->name[1] = v.as<lisp::Pickset>()->name[1];
+      return true;
+    case lisp::Tag::Nil:
+      // nil answers Enter.
+      a->kind = Answer::Text;
+      a->text.clear();
+      return true;
+    case lisp::Tag::Cons:
+      if (!lisp::toPoint(v, p, &dim)) return false;
+      a->kind = Answer::Point;
+      for (int i = 0; i < 3; ++i) a->p[i] = i < dim ? p[i] : 0;
+      return true;
+    default:
+      return false;
+  }
+}
+
+// Queues the arguments and runs the commands they name. Raises the host's
+// errors: a value no prompt takes, an unknown command, a cancel.
+Value runArgs(Interp& in, ArgSpan args, bool onlyQueued, bool* ok) {
+  Commands& c = Commands::get();
+  std::vector<Answer> answers;
+  for (const Value& v : args) {
+    Answer a;
+    if (!answerOf(v, &a)) in.badType("", v);
+    answers.push_back(a);
+  }
+  // Answers for a command that is still prompting (from an earlier
+  // command call) go to it; others start commands.
+  for (const Answer& a : answers) c.queue(a);
+  if (answers.empty()) {
+    *ok = true;
+    return Value();
+  }
+  int st = runQueuedCommands(onlyQueued);
+  *ok = st == RTNORM;
+  if (st == RTCAN && !onlyQueued) in.fail("Function cancelled");
+  return Value();
+}
+
+Value fnCommand(Interp& in, ArgSpan a) {
+  bool ok = false;
+  runArgs(in, a, false, &ok);
+  return Value();
+}
+
+Value fnCommandS(Interp& in, ArgSpan a) {
+  bool ok = false;
+  runArgs(in, a, true, &ok);
+  if (!ok) in.fail("Unknown command or command cancelled");
+  return Value();
+}
+
+Value fnCmdf(Interp& in, ArgSpan a) {
+  // The command must exist before any of it runs.
+  if (a.size > 0 && a[0].isStr()) {
+    const std::u16string& name = a[0].as<lisp::String>()->s;
+    if (!name.empty() && !Commands::get().find(name)) {
+      std::u16string bare = name;
+      while (!bare.empty() && (bare[0] == u'_' || bare[0] == u'.' || bare[0] == u'\'')) bare.erase(0, 1);
+      lisp::Symbol* fn = lisp::findSymbol("C:" + sys::toUtf8(bare));
+      if (Commands::builtinOnly(name) || !fn || !fn->value.truthy()) return Value();
+    }
+  }
+  bool ok = false;
+  runArgs(in, a, false, &ok);
+  return ok ? lisp::T() : Value();
+}
+
+// ------------------------------------------------------------- input
+
+std::u16string promptArg(Interp& in, ArgSpan a, size_t i) {
+  if (i >= a.size || a[i].isNil()) return u"";
+  return lisp::argStr(in, a[i]);
+}
+
+Value inputResult(Interp& in, int st) {
+  if (st == RTCAN) in.fail("Function cancelled");
+  if (st == RTKWORD) return lisp::str(lastInputKeyword());
+  return Value();
+}
+
+// (getpoint [pt] [msg]) and (getdist [pt] [msg]): the point may come first.
+void pointAndPrompt(Interp& in, ArgSpan a, double base[3], bool* haveBase, std::u16string* prompt) {
+  lisp::checkArgc(in, a, 0, 2);
+  *haveBase = false;
+  for (size_t i = 0; i < a.size; ++i) {
+    if (a[i].isStr()) {
+      *prompt = a[i].as<lisp::String>()->s;
+    } else if (!a[i].isNil()) {
+      lisp::argPoint(in, a[i], base);
+      *haveBase = true;
+    }
+  }
+}
+
+Value fnGetpoint(Interp& in, ArgSpan a) {
+  double base[3], p[3];
+  bool haveBase;
+  std::u16string prompt;
+  pointAndPrompt(in, a, base, &haveBase, &prompt);
+  int st = getPoint(haveBase ? base : nullptr, prompt, p);
+  if (st == RTNORM) return lisp::pointValue(p, 3);
+  return inputResult(in, st);
+}
+
+Value fnGetdist(Interp& in, ArgSpan a) {
+  double base[3], d;
+  bool haveBase;
+  std::u16string prompt;
+  pointAndPrompt(in, a, base, &haveBase, &prompt);
+  int st = getReal(prompt, &d, false, haveBase ? base : nullptr);
+  if (st == RTNORM) return Value::real(d);
+  return inputResult(in, st);
+}
+
+Value fnGetreal(Interp& in, ArgSpan a) {
+  lisp::checkArgc(in, a, 0, 1);
+  double d;
+  int st = getReal(promptArg(in, a, 0), &d, false, nullptr);
+  if (st == RTNORM) return Value::real(d);
+  return inputResult(in, st);
+}
+
+Value fnGetint(Interp& in, ArgSpan a) {
+  lisp::checkArgc(in, a, 0, 1);
+  double d;
+  int st = getReal(promptArg(in, a, 0), &d, true, nullptr);
+  if (st == RTNORM) return Value::integer(static_cast<int32_t>(d));
+  return inputResult(in, st);
+}
+
+Value fnGetstring(Interp& in, ArgSpan a) {
+  lisp::checkArgc(in, a, 0, 2);
+  bool spaces = false;
+  std::u16string prompt;
+  if (a.size == 2) {
+    spaces = a[0].truthy();
+    prompt = promptArg(in, a, 1);
+  } else if (a.size == 1) {
+    prompt = promptArg(in, a, 0);
+  }
+  std::u16string s;
+  int st = getString(spaces, prompt, &s);
+  if (st == RTCAN) in.fail("Function cancelled");
+  return lisp::str(s);
+}
+
+Value fnGetkword(Interp& in, ArgSpan a) {
+  lisp::checkArgc(in, a, 0, 1);
+  std::u16string k;
+  int st = getKword(promptArg(in, a, 0), &k);
+  if (st == RTNORM) return lisp::str(k);
+  if (st == RTCAN) in.fail("Function cancelled");
+  return Value();
+}
+
+Value fnInitget(Interp& in, ArgSpan a) {
+  lisp::checkArgc(in, a, 0, 2);
+  int bits = 0;
+  std::u16string kw;
+  for (size_t i = 0; i < a.size; ++i) {
+    if (a[i].isStr()) {
+      kw = a[i].as<lisp::String>()->s;
+    } else {
+      bits = lisp::argInt(in, a[i]);
+    }
+  }
+  initGet(bits, kw);
+  return Value();
+}
+
+}  // namespace
+
+void installCommandFunctions(lisp::Interp& in) {
+  in.defSubr("command", fnCommand);
+  in.defSubr("command-s", fnCommandS);
+  in.defSubr("vl-cmdf", fnCmdf);
+  in.defSubr("getpoint", fnGetpoint);
+  in.defSubr("getdist", fnGetdist);
+  in.defSubr("getreal", fnGetreal);
+  in.defSubr("getint", fnGetint);
+  in.defSubr("getstring", fnGetstring);
+  in.defSubr("getkword", fnGetkword);
+  in.defSubr("initget", fnInitget);
+  in.setVar("pause", lisp::str(u"\\"));
+
+  Commands& c = Commands::get();
+  c.evalAnswer = [](const std::u16string& text, Answer* a) {
+    Interp* in = Interp::current();
+    Value v;
+    if (!in || !in->evalText(text, &v)) return false;
+    if (!answerOf(v, a)) {
+      a->kind = Answer::Text;
+      a->text = lisp::princString(v);
+    }
+    return true;
+  };
+  c.runLispCommand = [](const std::u16string& name, int* status) {
+    lisp::Symbol* fn = lisp::findSymbol("C:" + sys::toUtf8(name));
+    Interp* in = Interp::current();
+    if (!in || !fn || !fn->value.truthy()) return false;
+    Value v;
+    bool ok = in->callTop(fn->value, {}, &v);
+    if (ok && !lisp::isVoid(v)) {
+      in->out().freshLine();
+      in->out().write(lisp::prin1String(v));
+      in->out().write(std::string_view("\n"));
+    }
+    *status = ok ? RTNORM : RTCAN;
+    return true;
+  };
+  loadLispFile = [](const std::u16string& path) {
+    Interp* in = Interp::current();
+    return in && in->loadFile(sys::toUtf8(path));
+  };
+}
+
+}  // namespace zepk::editor
