@@ -81,3 +81,28 @@ COPY L  2,0 2,3
 (setvar "CMDECHO" 1)
 (g 10 (entlast))
 ID 3,4
+; LIST shows what was drawn.
+(command "_.ERASE" "ALL" "")
+LINE 1,2 4,6 
+CIRCLE 0,0 2
+LIST ALL
+
+; A program feeds a command over several calls; pause takes the next line.
+(command "LINE" '(0 0))
+(command '(10 0) pause "")
+@0,10
+(g 10 (entlast))
+(g 11 (entlast))
+; Loading programs and modules.
+(progn (setq f (open "prog.lsp" "w")) (write-line "(defun c:hello () (princ \"Hello\") (princ))" f) (close f))
+APPLOAD prog.lsp
+HELLO
+ARX L zepksample
+ARX ?
+ARX U zepksample
+ARX L nosuchmodule
+; A command cancelled inside a program reaches *error*: here the input ends
+; while CIRCLE waits for its radius.
+(defun *error* (msg) (princ (strcat "\nerror: " msg)) (princ))
+(defun c:twocircles () (command "CIRCLE" '(0 0) 1 "CIRCLE" '(9 9)) (princ "not reached"))
+TWOCIRCLES

@@ -396,6 +396,8 @@ std::vector<std::unique_ptr<AcDbDatabase>>& drawings() {
 
 void makeCurrent(AcDbDatabase* d, const std::u16string& path) {
   drawings().emplace_back(d);
+  // Loaded modules hear of the drawing that closes and of the new one.
+  rx::documentClosing();
   acdbHostApplicationServices()->setWorkingDatabase(d);
   titled = !path.empty();
   if (path.empty()) {
@@ -403,6 +405,7 @@ void makeCurrent(AcDbDatabase* d, const std::u16string& path) {
   } else {
     setPath(path);
   }
+  rx::documentOpened();
 }
 
 void cmdNew() {
@@ -594,6 +597,75 @@ void cmdId() {
   say("X = " + fmt(p[0]) + "     Y = " + fmt(p[1]) + "     Z = " + fmt(p[2]) + "\n");
 }
 
+std::string xyz(const char* label, const double p[3]) {
+  char buf[160];
+  std::snprintf(buf, sizeof buf, "%*s X=%9.4f  Y=%9.4f  Z=%9.4f\n", 24, label, p[0], p[1], p[2]);
+  return buf;
+}
+
+std::string field(const char* label, const std::string& value) {
+  char buf[64];
+  std::snprintf(buf, sizeof buf, "%*s", 24, label);
+  return std::string(buf) + " " + value + "\n";
+}
+
+// LIST: each entity's kind, layer, handle and its defining values.
+void cmdList() {
+  std::vector<AcDbObjectId> ids;
+  if (!selectObjects(&ids)) return;
+  for (const AcDbObjectId& id : ids) {
+    ads_name en;
+    if (acdbGetAdsName(en, id) != Acad::eOk) continue;
+    resbuf* list = acdbEntGet(en);
+    if (!list) continue;
+    std::string type, layer, handle;
+    const resbuf* g10 = nullptr;
+    const resbuf* g11 = nullptr;
+    double r40 = 0, r50 = 0;
+    std::string text;
+    for (const resbuf* p = list; p; p = p->rbnext) {
+      auto str = [&] { return p->resval.rstring ? sys::toUtf8(p->resval.rstring) : std::string(); };
+      switch (p->restype) {
+        case 0: type = str(); break;
+        case 8: layer = str(); break;
+        case 5: handle = str(); break;
+        case 1: text = str(); break;
+        case 10: g10 = p; break;
+        case 11: g11 = p; break;
+        case 40: r40 = p->resval.rreal; break;
+        case 50: r50 = p->resval.rreal; break;
+        default: break;
+      }
+    }
+    char head[160];
+    std::snprintf(head, sizeof head, "%*s    Layer: \"%s\"\n", 22, type.c_str(), layer.c_str());
+    std::string out = head;
+    out += field("", "Space: Model space");
+    out += field("Handle =", handle);
+    if (type == "LINE" && g10 && g11) {
+      out += xyz("from point,", g10->resval.rpoint);
+      out += xyz("to point,", g11->resval.rpoint);
+      double d = std::hypot(g11->resval.rpoint[0] - g10->resval.rpoint[0], g11->resval.rpoint[1] - g10->resval.rpoint[1],
+                            g11->resval.rpoint[2] - g10->resval.rpoint[2]);
+      out += field("Length =", fmt(d));
+    } else if (type == "CIRCLE" && g10) {
+      out += xyz("center point,", g10->resval.rpoint);
+      out += field("radius", fmt(r40));
+      out += field("circumference", fmt(2 * M_PI * r40));
+      out += field("area", fmt(M_PI * r40 * r40));
+    } else if (type == "POINT" && g10) {
+      out += xyz("at point,", g10->resval.rpoint);
+    } else if (type == "TEXT" && g10) {
+      out += field("Text", text);
+      out += xyz("Start point,", g10->resval.rpoint);
+      out += field("Height", fmt(r40));
+      out += field("Rotation angle", fmt(r50 * 180.0 / M_PI));
+    }
+    say(out);
+    acutRelRb(list);
+  }
+}
+
 // ---------------------------------------------------------------- modules
 
 void cmdArx() {
@@ -658,7 +730,8 @@ void registerBuiltinCommands() {
       {u"LINE", cmdLine, false},     {u"CIRCLE", cmdCircle, false}, {u"POINT", cmdPoint, false},
       {u"TEXT", cmdText, false},     {u"ERASE", cmdErase, false},   {u"MOVE", cmdMove, false},
       {u"COPY", cmdCopy, false},     {u"-LAYER", cmdLayer, false},  {u"U", cmdU, true},
-      {u"UNDO", cmdUndo, true},      {u"ID", cmdId, true},          {u"SAVE", cmdSaveAs, true},
+      {u"UNDO", cmdUndo, true},      {u"ID", cmdId, true},          {u"LIST", cmdList, true},
+      {u"SAVE", cmdSaveAs, true},
       {u"SAVEAS", cmdSaveAs, true},  {u"QSAVE", cmdQSave, true},    {u"NEW", cmdNew, true},
       {u"OPEN", cmdOpen, true},      {u"CLOSE", cmdClose, true},    {u"QUIT", cmdQuit, true},
       {u"ARX", cmdArx, true},        {u"APPLOAD", cmdAppload, true}, {u"SCRIPT", cmdScript, true},

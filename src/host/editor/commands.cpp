@@ -256,9 +256,19 @@ int Commands::next(const std::u16string& prompt, bool text, Answer* out) {
       if (pos_ >= line_.size()) haveLine_ = false;
       if (echo_ || !fromNewLine) print(expr + u"\n");
       Answer a;
-      if (!evalAnswer(expr, &a)) {
+      ++waiting_;
+      bool ok = evalAnswer(expr, &a);
+      --waiting_;
+      if (!ok) {
         cancelled = true;
         return RTCAN;
+      }
+      // An expression that gave answers (command) answers with them, as
+      // when a program feeds a command that is waiting.
+      if (!queued_.empty() && queued_.front().kind != Answer::Pause) {
+        *out = queued_.front();
+        queued_.pop_front();
+        return RTNORM;
       }
       *out = a;
       return RTNORM;
@@ -412,6 +422,13 @@ int runQueuedCommands(bool onlyQueued) {
   // off the command line.
   SysValue echo;
   if (getSysVar(u"CMDECHO", &echo) && echo.kind == SysValue::Int && echo.i == 0) c.quiet = true;
+  // Answers given while a command waits for one (an expression typed at
+  // its prompt) are that command's.
+  if (c.waiting() > 0) {
+    c.onlyQueued = saved;
+    c.quiet = savedQuiet;
+    return RTNORM;
+  }
   while (c.queued() > 0) {
     Answer name;
     if (!c.nextQueued(&name)) break;

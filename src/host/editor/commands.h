@@ -52,6 +52,8 @@ class Commands {
   // True for a name asking for the host's own command (".LINE").
   static bool builtinOnly(std::u16string_view typed);
   int depth() const { return depth_; }
+  // Nesting of LISP expressions being evaluated as answers.
+  int waiting() const { return waiting_; }
 
   // Input. The line source gives the next line of the input (false at its
   // end); echo writes each prompt with its answer, as the host's text
@@ -103,6 +105,7 @@ class Commands {
   std::function<bool(std::string*)> next_;
   bool echo_ = true;
   int depth_ = 0;
+  int waiting_ = 0;
 };
 
 // Runs the commands named in the answers queued, each taking the answers
