@@ -71,6 +71,7 @@ int acedGetPoint(const ads_point pt, const ACHAR* prompt, ads_point result);
 int acedGetReal(const ACHAR* prompt, ads_real* result);
 int acedGetInt(const ACHAR* prompt, int* result);
 int acedGetDist(const ads_point pt, const ACHAR* prompt, ads_real* result);
+int acedGetAngle(const ads_point pt, const ACHAR* prompt, ads_real* result);
 int acedGetString(int cronly, const ACHAR* prompt, ACHAR* result, size_t bufLen);
 int acedGetKword(const ACHAR* prompt, ACHAR* result, size_t bufLen);
 int acedGetInput(ACHAR* str, size_t bufLen);

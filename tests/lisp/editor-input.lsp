@@ -37,6 +37,12 @@ w
 two words
 (getstring T "\nLine: ")
 two words here
+(getangle "\nAngle: ")
+90
+(getangle '(1 1) "\nDirection: ")
+1,5
+(getangle "\nAngle: ")
+-90
 (list (getpoint "\nTwo on a line: ") (getreal))
 5,5 6
 (defun c:pick (/ p) (setq p (getpoint "\nPoint: ")) (princ (car p)) (princ))

@@ -224,6 +224,39 @@ int getReal(const std::u16string& prompt, double* out, bool integer, const doubl
   }
 }
 
+int getAngle(const double* base, const std::u16string& prompt, double* out) {
+  InitGet g = std::move(pending);
+  pending = InitGet{};
+  for (;;) {
+    Answer a;
+    int st = common(g, prompt, false, &a);
+    if (st == RTNONE && (g.bits & RSG_NONULL)) {
+      message("Requires valid numeric angle or second point.");
+      continue;
+    }
+    if (st != RTNORM) return st;
+    double v = 0, p[3];
+    bool ok = false;
+    if (a.kind == Answer::Real || a.kind == Answer::Int) {
+      v = (a.kind == Answer::Real ? a.r : a.i) * M_PI / 180.0, ok = true;
+    } else if (a.kind == Answer::Text && parseReal(a.text, &v)) {
+      v = v * M_PI / 180.0, ok = true;
+    } else if (base && (a.kind == Answer::Point || (a.kind == Answer::Text && parsePoint(a.text, base, p)))) {
+      if (a.kind == Answer::Point)
+        for (int i = 0; i < 3; ++i) p[i] = a.p[i];
+      v = std::atan2(p[1] - base[1], p[0] - base[0]), ok = true;
+    }
+    if (!ok) {
+      message("Requires valid numeric angle or second point.");
+      continue;
+    }
+    v = std::fmod(v, 2 * M_PI);
+    if (v < 0) v += 2 * M_PI;
+    *out = v;
+    return RTNORM;
+  }
+}
+
 int getString(bool spaces, const std::u16string& prompt, std::u16string* out) {
   pending = InitGet{};
   Answer a;
@@ -292,6 +325,10 @@ int acedGetDist(const ads_point pt, const ACHAR* prompt, ads_real* result) {
   double last[3];
   if (!pt) currentLastPoint(last);
   return getReal(text(prompt), result, false, pt ? pt : last);
+}
+
+int acedGetAngle(const ads_point pt, const ACHAR* prompt, ads_real* result) {
+  return getAngle(pt, text(prompt), result);
 }
 
 int acedGetInt(const ACHAR* prompt, int* result) {

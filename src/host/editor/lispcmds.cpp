@@ -162,6 +162,16 @@ Value fnGetdist(Interp& in, ArgSpan a) {
   return inputResult(in, st);
 }
 
+Value fnGetangle(Interp& in, ArgSpan a) {
+  double base[3], d;
+  bool haveBase;
+  std::u16string prompt;
+  pointAndPrompt(in, a, base, &haveBase, &prompt);
+  int st = getAngle(haveBase ? base : nullptr, prompt, &d);
+  if (st == RTNORM) return Value::real(d);
+  return inputResult(in, st);
+}
+
 Value fnGetreal(Interp& in, ArgSpan a) {
   lisp::checkArgc(in, a, 0, 1);
   double d;
@@ -227,6 +237,7 @@ void installCommandFunctions(lisp::Interp& in) {
   in.defSubr("getpoint", fnGetpoint);
   in.defSubr("getdist", fnGetdist);
   in.defSubr("getreal", fnGetreal);
+  in.defSubr("getangle", fnGetangle);
   in.defSubr("getint", fnGetint);
   in.defSubr("getstring", fnGetstring);
   in.defSubr("getkword", fnGetkword);
