@@ -370,6 +370,9 @@ bool geParam(const CurveGeom& g, double param, double& t) {
 // The ge parameter of a point on the curve.
 bool geParamOfPoint(const CurveGeom& g, const AcGePoint3d& pt, double& t) {
   t = g.ge->paramOf(pt);
+  // A segment gives the foot on its whole line: only its own part counts.
+  if (std::isfinite(g.lo)) t = std::max(t, g.lo);
+  if (std::isfinite(g.hi)) t = std::min(t, g.hi);
   return g.ge->evalPoint(t).distanceTo(pt) <= onTolerance(pt);
 }
 

@@ -102,7 +102,10 @@ AcGePoint3d AcGeCompositeCurve3d::evalPoint(double param, int numDeriv, AcGeVect
 double AcGeCompositeCurve3d::paramOf(const AcGePoint3d& pnt, const AcGeTol& tol) const {
   double best = 0.0, bestD = -1.0;
   for (int i = 0; i < numCurves(); ++i) {
-    double t = curves_[i]->paramOf(pnt, tol);
+    // A segment gives the foot on its whole line: kept to the piece.
+    double lo, hi;
+    span(i, lo, hi);
+    double t = std::clamp(curves_[i]->paramOf(pnt, tol), lo, hi);
     double d = curves_[i]->evalPoint(t).distanceTo(pnt);
     // Strictly nearer, so that a point at a joint takes the earlier piece's end.
     if (bestD < 0 || d < bestD - 1e-14) {

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <memory>
 
+#include "host/ge/boolean.h"
 #include "host/ge/kernels.h"
 #include "host/gearc3d.h"
 #include "host/gecint3d.h"
@@ -39,8 +40,15 @@ struct Seg {
   P a, b, c;
   double r = 0, sweep = 0;
   P vertexAfter;  // the original vertex at the end of the source segment
-  bool joinAfterSource = true;
+  P dir;          // a line's direction before the joins
+  double sweep0 = 0;  // an arc's sweep before the joins
 };
+
+// A segment the joins have turned round: trimmed past its other end.
+bool inverted(const Seg& s) {
+  if (s.arc) return s.sweep * s.sweep0 < 0;
+  return (s.b.x - s.a.x) * s.dir.x + (s.b.y - s.a.y) * s.dir.y < 0;
+}
 
 // Points where the carriers of two segments (lines unbounded, arcs as whole
 // circles) meet.
@@ -125,6 +133,33 @@ std::vector<BulgeVertex> verticesOf(const AcGeCompositeCurve3d& c) {
   return r;
 }
 
+// A closed polyline as a plane loop, for telling inside from outside.
+Loop2d loopOf(const BulgePolyline& pl) {
+  Loop2d loop;
+  size_t n = pl.verts.size();
+  for (size_t i = 0; i < n; ++i) {
+    const BulgeVertex& va = pl.verts[i];
+    const BulgeVertex& vb = pl.verts[(i + 1) % n];
+    P a{va.x, va.y}, b{vb.x, vb.y};
+    double chord = len(b - a);
+    if (chord == 0) continue;
+    if (std::fabs(va.bulge) < 1e-12) {
+      loop.push_back(Edge2d::line(a.x, a.y, b.x, b.y));
+      continue;
+    }
+    double theta = 4 * std::atan(va.bulge);
+    double r = chord / (2 * std::sin(std::fabs(theta) / 2));
+    P mid = (a + b) * 0.5, u = (b - a) * (1.0 / chord), left{-u.y, u.x};
+    double h = r * std::cos(std::fabs(theta) / 2);
+    P c = mid + left * (theta > 0 ? h : -h);
+    Edge2d e = Edge2d::arcOf(c.x, c.y, r, ang(a - c), theta);
+    e.bx = b.x;
+    e.by = b.y;
+    loop.push_back(e);
+  }
+  return loop;
+}
+
 }  // namespace
 
 std::vector<BulgePolyline> offsetPolyline(const BulgePolyline& pl, double dist) {
@@ -150,6 +185,7 @@ std::vector<BulgePolyline> offsetPolyline(const BulgePolyline& pl, double dist) 
       P right{u.y, -u.x};
       s.a = a + right * dist;
       s.b = b + right * dist;
+      s.dir = u;
     } else {
       double theta = 4 * std::atan(va.bulge);  // signed sweep
       double r = chord / (2 * std::sin(std::fabs(theta) / 2));
@@ -164,6 +200,7 @@ std::vector<BulgePolyline> offsetPolyline(const BulgePolyline& pl, double dist) 
       s.c = c;
       s.r = nr;
       s.sweep = theta;
+      s.sweep0 = theta;
       s.a = c + (a - c) * (nr / r);
       s.b = c + (b - c) * (nr / r);
     }
@@ -209,6 +246,46 @@ std::vector<BulgePolyline> offsetPolyline(const BulgePolyline& pl, double dist) 
       hasFiller[i] = true;
     }
   }
+  // A segment the joins turned round lies on the wrong side: it goes, and
+  // its neighbours are joined where their carriers meet, until none is left.
+  for (size_t pass = 0; pass < m && !segs.empty(); ++pass) {
+    size_t n = segs.size(), i = 0;
+    while (i < n && !inverted(segs[i])) ++i;
+    if (i == n) break;
+    if (n <= 2) {
+      segs.clear();
+      break;
+    }
+    bool hasPrev = pl.closed || i > 0, hasNext = pl.closed || i + 1 < n;
+    size_t ip = (i + n - 1) % n, in = (i + 1) % n;
+    if (hasPrev && hasNext) {
+      Seg& s = segs[ip];
+      Seg& t = segs[in];
+      P mid = (segs[i].a + segs[i].b) * 0.5;
+      P cand[2];
+      int k = carrierMeet(s, t, cand);
+      if (k == 0) {
+        // Parallel neighbours: a straight bridge between them instead.
+        Seg& g = segs[i];
+        g.arc = false;
+        g.a = s.b;
+        g.b = t.a;
+        g.dir = g.b - g.a;
+        hasFiller[ip] = hasFiller[i] = false;
+        continue;
+      }
+      int best = 0;
+      if (k == 2 && len(cand[1] - mid) < len(cand[0] - mid)) best = 1;
+      if (s.arc) moveArcEnd(s, cand[best]); else s.b = cand[best];
+      if (t.arc) moveArcStart(t, cand[best]); else t.a = cand[best];
+    }
+    hasFiller[ip] = false;
+    segs.erase(segs.begin() + i);
+    fillers.erase(fillers.begin() + i);
+    hasFiller.erase(hasFiller.begin() + i);
+  }
+  if (segs.empty()) return result;
+  m = segs.size();
   for (size_t i = 0; i < m; ++i) {
     joined.push_back(segs[i]);
     if (hasFiller[i]) joined.push_back(fillers[i]);
@@ -246,12 +323,23 @@ std::vector<BulgePolyline> offsetPolyline(const BulgePolyline& pl, double dist) 
   for (size_t i = 0; i + 1 < bounds.size(); ++i) ranges.push_back({bounds[i], bounds[i + 1]});
   std::vector<std::unique_ptr<AcGeCompositeCurve3d>> kept;
   double need = std::fabs(dist) * (1 - 1e-6) - eps;
+  // Of a closed polyline the offset lies wholly inside or wholly outside:
+  // inside for the left of a counter-clockwise one, the right of a
+  // clockwise one.
+  std::vector<Loop2d> sourceLoop;
+  bool wantInside = false;
+  if (pl.closed) {
+    sourceLoop.push_back(loopOf(pl));
+    wantInside = (loopArea(sourceLoop[0]) > 0) == (dist < 0);
+  }
   std::vector<bool> keep;
   for (const auto& [a, b] : ranges) {
     bool ok = true;
     for (double f : {0.25, 0.5, 0.75}) {
       double mid = rawCurve->paramAtLength(a, rawCurve->length(a, b) * f);
-      if (source->distanceTo(rawCurve->evalPoint(mid)) < need) ok = false;
+      AcGePoint3d q = rawCurve->evalPoint(mid);
+      if (source->distanceTo(q) < need) ok = false;
+      if (ok && pl.closed && (winding(sourceLoop, q.x, q.y) != 0) != wantInside) ok = false;
     }
     keep.push_back(ok);
   }

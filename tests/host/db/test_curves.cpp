@@ -133,6 +133,10 @@ TEST(DbCurves, DistancesAndPointsRoundTripAndRefuseWhatIsOff) {
   ASSERT_EQ(pl->getParamAtPoint({10, 0, 0}, t), Acad::eOk);
   EXPECT_NEAR(t, 1.0, 1e-12);
   EXPECT_EQ(pl->getParamAtPoint({5, 1, 0}, t), Acad::eInvalidInput);
+  // On the line of a segment but past its end is not on the curve.
+  AcDbLine line(AcGePoint3d(0, 0, 0), AcGePoint3d(10, 0, 0));
+  EXPECT_EQ(line.getParamAtPoint({12, 0, 0}, t), Acad::eInvalidInput);
+  EXPECT_EQ(pl->getParamAtPoint({0, 10 + 1e-3, 0}, t), Acad::eInvalidInput);
   EXPECT_EQ(pl->getPointAtParam(3.01, p), Acad::eInvalidInput);
   EXPECT_EQ(pl->getPointAtParam(-0.5, p), Acad::eInvalidInput);
   EXPECT_EQ(pl->getPointAtDist(len + 0.1, p), Acad::eInvalidInput);

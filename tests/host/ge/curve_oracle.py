@@ -7,12 +7,14 @@
 #   ellipse  c, major, ratio, s, e, t: the points at the parameters, then
 #            the length of the arc (from 200001 vertices)
 #   inter    a, b: the points where two polylines meet (shapely), sorted
+#   buffer   pts, d: area of the polygon grown by d (shrunk for d < 0) with
+#            mitred corners (shapely)
 import json
 import sys
 
 import numpy as np
 from ezdxf.math import BSpline, ConstructionEllipse, bulge_to_arc
-from shapely.geometry import LineString, MultiPoint, Point
+from shapely.geometry import LineString, MultiPoint, Point, Polygon
 
 
 def flat(vs):
@@ -54,6 +56,8 @@ def main():
                 pts = [x for x in g.geoms if isinstance(x, Point)]
             for p in sorted(pts, key=lambda q: (q.x, q.y)):
                 out += [p.x, p.y]
+        elif op == "buffer":
+            out = [Polygon(r["pts"]).buffer(r["d"], join_style=2, mitre_limit=1e9).area]
         print(" ".join(repr(float(v)) for v in out))
 
 
