@@ -3,12 +3,14 @@
 // read).
 #include "host/db/dxffile.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <map>
 #include <mutex>
-#include <sstream>
 
 #include "host/db/dxfinternal.h"
 #include "host/dxf/writer.h"
@@ -105,19 +107,47 @@ std::vector<DxfClassRecord>& dxfClassRecords(AcDbDatabase* db) { return dxfFileD
 
 bool readDxf(const std::string& path, std::unique_ptr<AcDbDatabase>* out, std::string* error,
              const DxfReadOptions& options) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) {
+  // The whole file in one buffer, sized once: the reader's groups view it.
+  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) {
     if (error) *error = "cannot read \"" + path + "\": " + std::strerror(errno);
     return false;
   }
-  std::ostringstream bytes;
-  bytes << in.rdbuf();
-  if (in.bad()) {
+  struct stat st {};
+  std::string bytes;
+  if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && st.st_size > 0)
+    bytes.reserve(static_cast<size_t>(st.st_size));
+  bool readOk = true;
+  char chunk[1 << 16];
+  for (;;) {
+    // Straight into the buffer while it has room; through a chunk beyond
+    // that (a file that grew, or one whose size the system does not give).
+    const size_t room = bytes.capacity() - bytes.size();
+    ssize_t n;
+    if (room >= sizeof chunk) {
+      const size_t at = bytes.size();
+      bytes.resize(at + room);
+      n = ::read(fd, bytes.data() + at, room);
+      bytes.resize(at + (n > 0 ? static_cast<size_t>(n) : 0));
+    } else {
+      n = ::read(fd, chunk, sizeof chunk);
+      if (n > 0) bytes.append(chunk, static_cast<size_t>(n));
+    }
+    if (n == 0) break;
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      // A folder reads as nothing: the reader says the file is empty.
+      readOk = errno == EISDIR;
+      break;
+    }
+  }
+  ::close(fd);
+  if (!readOk) {
     if (error) *error = "cannot read \"" + path + "\": a read error";
     return false;
   }
   std::string err;
-  if (!readDxfBytes(bytes.str(), out, &err, options)) {
+  if (!readDxfBytes(bytes, out, &err, options)) {
     if (error) *error = path + ": " + err;
     return false;
   }

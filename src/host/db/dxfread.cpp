@@ -39,7 +39,7 @@ namespace zepk::db {
 
 namespace {
 
-using dxf::Group;
+using Group = dxf::GroupRef;
 using dxf::GroupRange;
 using dxf::Section;
 using dxf::SectionKind;
@@ -246,7 +246,7 @@ bool Reader::convert(size_t begin, size_t end, std::vector<DxfItem>& out, size_t
 
 namespace {
 
-char16_t* copyText(const std::string& utf8) {
+char16_t* copyText(std::string_view utf8) {
   std::u16string s = sys::fromUtf8(utf8);
   auto* p = static_cast<char16_t*>(std::malloc((s.size() + 1) * sizeof(char16_t)));
   std::copy(s.begin(), s.end(), p);
@@ -831,8 +831,11 @@ bool Reader::readObjects(const Section& s) {
 void Reader::keepSection(const Section& s) {
   KeptSection k;
   k.name = s.name;
-  k.body.assign(g_.begin() + static_cast<std::ptrdiff_t>(s.body.begin), g_.begin() + static_cast<std::ptrdiff_t>(s.body.end));
-  for (dxf::Group& g : k.body) g.line = 0;
+  k.body.reserve(s.body.size());
+  for (size_t i = s.body.begin; i < s.body.end; ++i) {
+    k.body.push_back(g_[i].toGroup());
+    k.body.back().line = 0;
+  }
   dxfFileData(db_).sections.push_back(std::move(k));
 }
 
@@ -903,7 +906,7 @@ bool readDxfBytes(std::string_view bytes, std::unique_ptr<AcDbDatabase>* out, st
                   const DxfReadOptions& options) {
   dxf::ReadOptions ro;
   if (options.fallbackCodePage) ro.fallbackCodePage = options.fallbackCodePage;
-  dxf::ReadResult rr = dxf::readGroups(bytes, ro);
+  dxf::GroupList rr = dxf::readGroupList(bytes, ro);
   if (!rr.ok) {
     if (error) *error = rr.error;
     return false;

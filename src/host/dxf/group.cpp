@@ -83,6 +83,16 @@ double Group::real() const {
   return d != nullptr ? *d : 0.0;
 }
 
+Group GroupRef::toGroup() const {
+  Group g;
+  g.code = code;
+  g.line = line;
+  if (isReal()) g.value = real_;
+  else if (isInteger()) g.value = integer_;
+  else g.value = std::string(text());
+  return g;
+}
+
 std::int64_t Group::integer() const {
   const auto* i = std::get_if<std::int64_t>(&value);
   return i != nullptr ? *i : 0;

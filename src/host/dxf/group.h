@@ -83,4 +83,56 @@ struct Group {
   friend bool operator==(const Group& a, const Group& b) { return a.code == b.code && a.value == b.value; }
 };
 
+// A group as the file reader keeps it for a whole drawing: 24 bytes, its
+// text a view into the file's bytes (or into text the reader decoded),
+// never a copy. It lives as long as what it views.
+class GroupRef {
+ public:
+  int code = 0;
+  int line = 0;  // as in Group
+
+  static GroupRef ofText(int code, int line, std::string_view s) {
+    GroupRef g(code, line, ValueKind::Text);
+    g.text_ = s.data();
+    g.size_ = static_cast<std::uint32_t>(s.size());
+    return g;
+  }
+  static GroupRef ofReal(int code, int line, double v) {
+    GroupRef g(code, line, ValueKind::Real);
+    g.real_ = v;
+    return g;
+  }
+  static GroupRef ofInteger(int code, int line, std::int64_t v) {
+    GroupRef g(code, line, ValueKind::Integer);
+    g.integer_ = v;
+    return g;
+  }
+  GroupRef() : text_(nullptr) {}
+
+  bool isText() const { return kind_ == ValueKind::Text; }
+  bool isReal() const { return kind_ == ValueKind::Real; }
+  bool isInteger() const { return kind_ == ValueKind::Integer; }
+  std::string_view text() const { return isText() ? std::string_view(text_, size_) : std::string_view(); }
+  double real() const { return isReal() ? real_ : 0.0; }
+  std::int64_t integer() const { return isInteger() ? integer_ : 0; }
+  bool is(int c, std::string_view s) const { return code == c && isText() && text() == s; }
+  // Points the text at other bytes (decoded text the reader keeps).
+  void setText(std::string_view s) {
+    text_ = s.data();
+    size_ = static_cast<std::uint32_t>(s.size());
+  }
+  // The same group with its own copy of the value.
+  Group toGroup() const;
+
+ private:
+  GroupRef(int c, int l, ValueKind k) : code(c), line(l), text_(nullptr), kind_(k) {}
+  union {
+    const char* text_;
+    double real_;
+    std::int64_t integer_;
+  };
+  std::uint32_t size_ = 0;
+  ValueKind kind_ = ValueKind::Text;
+};
+
 }  // namespace zepk::dxf

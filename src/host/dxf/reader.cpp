@@ -161,7 +161,7 @@ bool isAscii(std::string_view s) {
   return (acc & 0x80) == 0;
 }
 
-bool decodes(const Group& g) {
+bool decodes(const GroupRef& g) {
   const GroupType t = groupType(g.code);
   return t == GroupType::String || t == GroupType::Unknown;
 }
@@ -169,11 +169,11 @@ bool decodes(const Group& g) {
 // The values of the header variables that decide how text is decoded: the
 // groups after 9/$ACADVER and 9/$DWGCODEPAGE in the HEADER section.
 struct TextSettings {
-  const Group* version = nullptr;
-  const Group* codePage = nullptr;
+  const GroupRef* version = nullptr;
+  const GroupRef* codePage = nullptr;
 };
 
-TextSettings findTextSettings(const std::vector<Group>& groups) {
+TextSettings findTextSettings(const std::vector<GroupRef>& groups) {
   TextSettings t;
   const size_t n = groups.size();
   for (size_t i = 0; i + 1 < n; ++i) {
@@ -191,12 +191,13 @@ TextSettings findTextSettings(const std::vector<Group>& groups) {
   return t;
 }
 
-// Decides the file's encoding and decodes all text in place.
-void decodeAll(ReadResult& r, const ReadOptions& options) {
-  std::vector<Group>& groups = r.groups;
+// Decides the file's encoding and decodes the text that needs it; decoded
+// text goes to r.decoded and its groups view it there.
+void decodeAll(GroupList& r, const ReadOptions& options) {
+  std::vector<GroupRef>& groups = r.groups;
   const TextSettings settings = findTextSettings(groups);
-  const Group* ver = settings.version;
-  const Group* page = settings.codePage;
+  const GroupRef* ver = settings.version;
+  const GroupRef* page = settings.codePage;
   if (ver != nullptr) r.version = std::string(trim(ver->text()));
 
   int named = 0;
@@ -214,7 +215,7 @@ void decodeAll(ReadResult& r, const ReadOptions& options) {
   if (!utf8 && named == 0) {
     // No usable code page: UTF-8 when every text is well-formed UTF-8.
     utf8 = true;
-    for (const Group& g : groups) {
+    for (const GroupRef& g : groups) {
       if (decodes(g) && !isAscii(g.text()) && !sys::isValidUtf8(g.text())) {
         utf8 = false;
         break;
@@ -225,9 +226,9 @@ void decodeAll(ReadResult& r, const ReadOptions& options) {
 
   int badLines = 0;
   int firstBad = 0;
-  for (Group& g : groups) {
+  for (GroupRef& g : groups) {
     if (!decodes(g)) continue;
-    auto& s = std::get<std::string>(g.value);
+    const std::string_view s = g.text();
     const TextScan t = scan(s);
     if (t.ascii && !t.backslash) continue;
     const bool escapes = t.backslash && hasEscape(s);
@@ -244,7 +245,7 @@ void decodeAll(ReadResult& r, const ReadOptions& options) {
     } else if (t.ascii && !escapes) {
       continue;
     }
-    s = decodeText(s, cp);
+    g.setText(r.decoded.emplace_back(decodeText(s, cp)));
   }
   if (badLines > 0) {
     r.warnings.push_back(at(firstBad, std::to_string(badLines) + (badLines == 1 ? " text is" : " texts are") +
@@ -263,13 +264,28 @@ int versionNumber(std::string_view acadver) {
 }
 
 ReadResult readGroups(std::string_view bytes, const ReadOptions& options) {
+  GroupList list = readGroupList(bytes, options);
   ReadResult r;
+  r.ok = list.ok;
+  r.error = std::move(list.error);
+  r.errorLine = list.errorLine;
+  r.warnings = std::move(list.warnings);
+  r.version = std::move(list.version);
+  r.codePage = list.codePage;
+  r.groups.reserve(list.groups.size());
+  for (const GroupRef& g : list.groups) r.groups.push_back(g.toGroup());
+  return r;
+}
+
+GroupList readGroupList(std::string_view bytes, const ReadOptions& options) {
+  GroupList r;
   auto fail = [&r](int line, const std::string& what) {
     r.ok = false;
     r.errorLine = line;
     r.error = at(line, what);
     r.groups.clear();
     r.groups.shrink_to_fit();
+    r.decoded.clear();
     r.warnings.clear();
     return std::move(r);
   };
@@ -299,19 +315,17 @@ ReadResult readGroups(std::string_view bytes, const ReadOptions& options) {
       return fail(line + 1, "expected the value of group " + std::to_string(code) + ", found the end of the file");
 
     const GroupType type = groupType(code);
-    Group& g = r.groups.emplace_back();
-    g.code = code;
-    g.line = line;
     switch (valueKind(type)) {
       case ValueKind::Text:
-        g.value.emplace<std::string>(valueLine);
+        if (valueLine.size() > UINT32_MAX) return fail(line + 1, "the line is too long to be read");
+        r.groups.push_back(GroupRef::ofText(code, line, valueLine));
         break;
       case ValueKind::Real: {
         double d = 0;
         if (!parseReal(valueLine, d))
           return fail(line + 1, "expected a real number for group " + std::to_string(code) + ", found " +
                                     quoted(valueLine));
-        g.value = d;
+        r.groups.push_back(GroupRef::ofReal(code, line, d));
         break;
       }
       case ValueKind::Integer: {
@@ -322,7 +336,7 @@ ReadResult readGroups(std::string_view bytes, const ReadOptions& options) {
         // Unsigned forms become the signed values with the same bits.
         if (type == GroupType::Int16 && v > 32767) v -= 65536;
         if (type == GroupType::Int32 && v > 2147483647LL) v -= 4294967296LL;
-        g.value = type == GroupType::Bool ? std::int64_t{v != 0} : v;
+        r.groups.push_back(GroupRef::ofInteger(code, line, type == GroupType::Bool ? std::int64_t{v != 0} : v));
         break;
       }
     }

@@ -21,6 +21,7 @@
 // that names the line and what was expected there; nothing throws.
 #pragma once
 
+#include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -51,6 +52,23 @@ struct ReadResult {
 };
 
 ReadResult readGroups(std::string_view fileBytes, const ReadOptions& options = {});
+
+// The same reading, with the groups' text left where it is: each group
+// views the file's bytes, which must stay alive and unchanged as long as
+// the groups are used, or, for text that decoding changed, `decoded`.
+// This is how a whole drawing is read without a copy of every value.
+struct GroupList {
+  bool ok = false;
+  std::string error;
+  int errorLine = 0;
+  std::vector<GroupRef> groups;
+  std::vector<std::string> warnings;
+  std::string version;
+  int codePage = 0;
+  std::deque<std::string> decoded;  // stays where it is when the list moves
+};
+
+GroupList readGroupList(std::string_view fileBytes, const ReadOptions& options = {});
 
 // The release number in an $ACADVER value ("AC1032" -> 1032), or 0.
 int versionNumber(std::string_view acadver);

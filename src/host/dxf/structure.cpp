@@ -11,10 +11,12 @@ std::string_view trim(std::string_view s) {
 }
 
 // True for a 0 group whose value is `name`.
-bool isMarker(const Group& g, std::string_view name) { return g.code == 0 && trim(g.text()) == name; }
+template <class G>
+bool isMarker(const G& g, std::string_view name) { return g.code == 0 && trim(g.text()) == name; }
 
 // How a group appears in a message: 0/SECTION, group 8 "0".
-std::string describeGroup(const Group& g) {
+template <class G>
+std::string describeGroup(const G& g) {
   if (g.code == 0) return "0/" + std::string(trim(g.text()));
   std::string s = "group " + std::to_string(g.code);
   if (g.isText()) {
@@ -64,7 +66,10 @@ const Section* Layout::find(SectionKind kind) const {
   return nullptr;
 }
 
-Layout splitSections(std::span<const Group> groups) {
+namespace {
+
+template <class G>
+Layout split(std::span<const G> groups) {
   Layout out;
   auto fail = [&out](int line, const std::string& what) {
     out.ok = false;
@@ -78,7 +83,7 @@ Layout splitSections(std::span<const Group> groups) {
   size_t i = 0;
   bool sawEof = false;
   while (i < groups.size()) {
-    const Group& g = groups[i];
+    const G& g = groups[i];
     if (g.code == 999) {
       ++i;
       continue;
@@ -107,7 +112,7 @@ Layout splitSections(std::span<const Group> groups) {
 
     size_t k = s.body.begin;
     for (; k < groups.size(); ++k) {
-      const Group& h = groups[k];
+      const G& h = groups[k];
       if (h.code == 0) {
         const std::string_view v = trim(h.text());
         if (v == "ENDSEC") break;
@@ -136,5 +141,10 @@ Layout splitSections(std::span<const Group> groups) {
   out.ok = true;
   return out;
 }
+
+}  // namespace
+
+Layout splitSections(std::span<const Group> groups) { return split(groups); }
+Layout splitSections(std::span<const GroupRef> groups) { return split(groups); }
 
 }  // namespace zepk::dxf

@@ -60,5 +60,6 @@ struct Layout {
 };
 
 Layout splitSections(std::span<const Group> groups);
+Layout splitSections(std::span<const GroupRef> groups);
 
 }  // namespace zepk::dxf
