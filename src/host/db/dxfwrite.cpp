@@ -23,6 +23,7 @@
 #include <cmath>
 #include <map>
 #include <set>
+#include <unordered_map>
 
 #include "host/db/dbobjects.h"
 #include "host/db/dxfinternal.h"
@@ -65,7 +66,7 @@ const char16_t* kHostApp = u"ZEPK host";
 
 class Writer {
  public:
-  explicit Writer(AcDbDatabase* db) : db_(db) {}
+  explicit Writer(AcDbDatabase* db) : db_(db), filer_(AcDb::kFileFiler, db) {}
   bool run();
   std::string release() { return w_.release(); }
   const std::string& error() const { return error_; }
@@ -83,6 +84,11 @@ class Writer {
     return sys::toUtf8(typeName(obj)) + " " + handleText(obj->objectId().handle().value());
   }
   std::u16string typeName(const AcDbObject* obj) const;
+  // The type as the file writes it, in UTF-8; the same string for every
+  // object of a class.
+  const std::string& typeText(const AcDbObject* obj);
+  // Text as UTF-8: ASCII copied as it is, without a conversion.
+  std::string_view utf8(const std::u16string& s);
 
   void beginSection(const char* name) {
     w_.text(0, "SECTION");
@@ -113,7 +119,10 @@ class Writer {
   AcDbDatabase* db_;
   GroupWriter w_;
   std::string error_;
-  std::set<AcDbStub*> written_;
+  MemoryDxfFiler filer_;  // what each object gives, one object at a time
+  std::unordered_map<const AcRxClass*, std::string> typeTexts_;
+  std::string proxyType_;
+  std::string text_;      // utf8()'s result
 };
 
 std::u16string Writer::typeName(const AcDbObject* obj) const {
@@ -128,10 +137,32 @@ std::u16string Writer::typeName(const AcDbObject* obj) const {
   return s;
 }
 
+const std::string& Writer::typeText(const AcDbObject* obj) {
+  if (proxyData(obj) || AcDbSymbolTable::cast(obj)) {
+    proxyType_ = sys::toUtf8(typeName(obj));
+    return proxyType_;
+  }
+  auto [at, added] = typeTexts_.try_emplace(obj->isA());
+  if (added) at->second = sys::toUtf8(typeName(obj));
+  return at->second;
+}
+
+std::string_view Writer::utf8(const std::u16string& s) {
+  text_.resize(s.size());
+  for (size_t i = 0; i < s.size(); ++i) {
+    if (s[i] >= 0x80) {
+      text_ = sys::toUtf8(s);
+      return text_;
+    }
+    text_[i] = static_cast<char>(s[i]);
+  }
+  return text_;
+}
+
 void Writer::item(const DxfItem& it) {
   const int c = it.code;
   switch (it.kind) {
-    case DxfItem::String: w_.text(c, sys::toUtf8(it.s)); break;
+    case DxfItem::String: w_.text(c, utf8(it.s)); break;
     case DxfItem::Int: w_.integer(c, it.i); break;
     case DxfItem::Real:
       // A real in an integer group: its whole value.
@@ -176,20 +207,20 @@ void Writer::xdata(const AcDbObject* obj) {
 }
 
 bool Writer::object(AcDbObject* obj, const AcDbBlockTableRecord* blockOf) {
-  MemoryDxfFiler f(AcDb::kFileFiler, db_);
+  MemoryDxfFiler& f = filer_;
+  f.clear();
   Acad::ErrorStatus es = obj->dxfOutFields(&f);
   if (es == Acad::eOk && blockOf &&
       std::none_of(f.items().begin(), f.items().end(),
                    [](const DxfItem& it) { return it.code == 100 && it.s == u"AcDbBlockBegin"; }))
     es = AcDbBlockTableRecord::blockBeginSchema().dxfOut(blockOf, &f);
   if (es != Acad::eOk) return fail(label(obj) + ": its class could not write it (status " + std::to_string(es) + ")");
-  const std::u16string type = typeName(obj);
-  w_.text(0, sys::toUtf8(type));
+  const std::string& type = typeText(obj);
+  w_.text(0, type);
   if (auto* table = AcDbSymbolTable::cast(obj)) w_.text(2, sys::toUtf8(symbolTableName(table)));
-  w_.text(type == u"DIMSTYLE" ? 105 : 5, handleText(obj->objectId().handle().value()));
+  w_.text(type == "DIMSTYLE" ? 105 : 5, handleText(obj->objectId().handle().value()));
   for (const DxfItem& it : f.items()) item(it);
   xdata(obj);
-  written_.insert(obj->objectId().stub());
   return check(obj);
 }
 
@@ -229,14 +260,42 @@ bool Writer::classes() {
   // Objects per DXF name, and the classes that have them.
   std::map<std::u16string, int> counts;
   std::map<std::u16string, const AcDbObject*> sample;
-  for (AcDbObjectId id : db_->allObjects()) {
+  // Objects are counted by class first (proxies and tables by their own
+  // names), in handle order, so that each name's sample is its first object.
+  struct PerClass {
+    int count = 0;
+    size_t first = 0;
+    const AcDbObject* sample = nullptr;
+  };
+  std::unordered_map<const AcRxClass*, PerClass> perClass;
+  std::map<std::u16string, size_t> firstAt;
+  auto add = [&](const std::u16string& n, const AcDbObject* o, size_t at, int count) {
+    counts[n] += count;
+    auto [f, added] = firstAt.emplace(n, at);
+    if (added || at < f->second) {
+      f->second = at;
+      sample[n] = o;
+    }
+  };
+  const AcDbObjectIdArray all = db_->allObjects();
+  for (size_t k = 0; k < all.size(); ++k) {
+    AcDbObjectId id = all[k];
     if (id.isErased()) continue;
     AcDbObject* o = peekObject(id);
     if (!o) continue;
-    std::u16string n = typeName(o);
-    ++counts[n];
-    sample.emplace(n, o);
+    if (proxyData(o) || AcDbSymbolTable::cast(o)) {
+      add(typeName(o), o, k, 1);
+      continue;
+    }
+    PerClass& c = perClass[o->isA()];
+    if (c.count++ == 0) {
+      c.first = k;
+      c.sample = o;
+    }
   }
+  for (const auto& [cls, c] : perClass) add(typeName(c.sample), c.sample, c.first, c.count);
+  // The file is about this many bytes an object.
+  w_.reserve(all.size() * 320 + (1 << 16));
   for (auto& [name, obj] : sample) {
     bool have = std::any_of(records.begin(), records.end(), [&](const DxfClassRecord& r) { return r.dxfName == name; });
     if (have) continue;

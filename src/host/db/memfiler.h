@@ -142,6 +142,12 @@ class MemoryDxfFiler : public AcDbDxfFiler {
     status_ = Acad::eOk;
   }
   size_t position() const { return pos_; }
+  // Empty again, for the next object, keeping the room the items had.
+  void clear() {
+    items_.clear();
+    pos_ = 0;
+    status_ = Acad::eOk;
+  }
 
   Acad::ErrorStatus readItem(resbuf* pItem) override;
   void pushBackItem() override {

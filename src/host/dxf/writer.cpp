@@ -27,13 +27,18 @@ bool GroupWriter::checkCode(int code) {
   return true;
 }
 
+// The code right-aligned in three columns and its line end, at `p`; the end.
+char* GroupWriter::codeLine(char* p, int code) const {
+  if (code < 10) *p++ = ' ';
+  if (code < 100) *p++ = ' ';
+  p = std::to_chars(p, p + 11, code).ptr;
+  for (const char* e = eol_; *e != '\0'; ++e) *p++ = *e;
+  return p;
+}
+
 void GroupWriter::putCode(int code) {
-  if (code < 10) out_ += "  ";
-  else if (code < 100) out_ += ' ';
-  char buf[12];
-  auto [end, ec] = std::to_chars(buf, buf + sizeof buf, code);
-  out_.append(buf, end);
-  putEol();
+  char buf[16];
+  out_.append(buf, codeLine(buf, code));
 }
 
 bool GroupWriter::text(int code, std::string_view value) {
@@ -55,13 +60,17 @@ bool GroupWriter::real(int code, double value) {
   if (type != GroupType::Real && type != GroupType::Unknown)
     return refuse(code, std::string("a real number cannot be written where ") + describe(type) + " belongs");
   if (!std::isfinite(value)) return refuse(code, "a real number that is not finite cannot be written");
-  putCode(code);
-  char buf[32];
-  auto [end, ec] = std::to_chars(buf, buf + sizeof buf, value);
-  out_.append(buf, end);
+  // The code line and the value line in one piece.
+  char buf[80];
+  char* const number = codeLine(buf, code);
+  char* p = std::to_chars(number, buf + 64, value).ptr;
   // A whole number gets ".0" so that it reads as a real everywhere.
-  if (std::string_view(buf, static_cast<size_t>(end - buf)).find_first_of(".e") == std::string_view::npos) out_ += ".0";
-  putEol();
+  if (std::string_view(number, static_cast<size_t>(p - number)).find_first_of(".e") == std::string_view::npos) {
+    *p++ = '.';
+    *p++ = '0';
+  }
+  for (const char* e = eol_; *e != '\0'; ++e) *p++ = *e;
+  out_.append(buf, p);
   return true;
 }
 
@@ -80,11 +89,10 @@ bool GroupWriter::integer(int code, std::int64_t value) {
       return refuse(code, std::string("an integer cannot be written where ") + describe(type) + " belongs");
   }
   if (!fits) return refuse(code, std::to_string(value) + " is out of range for " + describe(type));
-  putCode(code);
-  char buf[24];
-  auto [end, ec] = std::to_chars(buf, buf + sizeof buf, value);
-  out_.append(buf, end);
-  putEol();
+  char buf[64];
+  char* p = std::to_chars(codeLine(buf, code), buf + 48, value).ptr;
+  for (const char* e = eol_; *e != '\0'; ++e) *p++ = *e;
+  out_.append(buf, p);
   return true;
 }
 

@@ -53,6 +53,7 @@ class GroupWriter {
   bool refuse(int code, const std::string& why);
   bool checkCode(int code);
   void putCode(int code);
+  char* codeLine(char* p, int code) const;
   void putEol() { out_ += eol_; }
 
   std::string out_;
