@@ -7,8 +7,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <malloc.h>
+
 #include <cerrno>
 #include <cstring>
+#include <new>
 #include <map>
 #include <mutex>
 
@@ -114,25 +117,24 @@ bool readDxf(const std::string& path, std::unique_ptr<AcDbDatabase>* out, std::s
     return false;
   }
   struct stat st {};
-  std::string bytes;
-  if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && st.st_size > 0)
-    bytes.reserve(static_cast<size_t>(st.st_size));
-  bool readOk = true;
-  char chunk[1 << 16];
-  for (;;) {
-    // Straight into the buffer while it has room; through a chunk beyond
-    // that (a file that grew, or one whose size the system does not give).
-    const size_t room = bytes.capacity() - bytes.size();
-    ssize_t n;
-    if (room >= sizeof chunk) {
-      const size_t at = bytes.size();
-      bytes.resize(at + room);
-      n = ::read(fd, bytes.data() + at, room);
-      bytes.resize(at + (n > 0 ? static_cast<size_t>(n) : 0));
-    } else {
-      n = ::read(fd, chunk, sizeof chunk);
-      if (n > 0) bytes.append(chunk, static_cast<size_t>(n));
+  size_t capacity = 1 << 20;
+  if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && st.st_size > 0) capacity = static_cast<size_t>(st.st_size) + 1;
+  std::unique_ptr<char[]> buffer(new (std::nothrow) char[capacity]);
+  size_t size = 0;
+  bool readOk = buffer != nullptr;
+  while (readOk) {
+    if (size == capacity) {
+      // A file that grew, or one whose size the system does not give.
+      std::unique_ptr<char[]> bigger(new (std::nothrow) char[capacity * 2]);
+      if (!bigger) {
+        readOk = false;
+        break;
+      }
+      std::memcpy(bigger.get(), buffer.get(), size);
+      buffer = std::move(bigger);
+      capacity *= 2;
     }
+    const ssize_t n = ::read(fd, buffer.get() + size, capacity - size);
     if (n == 0) break;
     if (n < 0) {
       if (errno == EINTR) continue;
@@ -140,6 +142,7 @@ bool readDxf(const std::string& path, std::unique_ptr<AcDbDatabase>* out, std::s
       readOk = errno == EISDIR;
       break;
     }
+    size += static_cast<size_t>(n);
   }
   ::close(fd);
   if (!readOk) {
@@ -147,7 +150,13 @@ bool readDxf(const std::string& path, std::unique_ptr<AcDbDatabase>* out, std::s
     return false;
   }
   std::string err;
-  if (!readDxfBytes(bytes, out, &err, options)) {
+  const bool ok = readDxfBytes(std::string_view(buffer.get(), size), out, &err, options);
+  buffer.reset();
+  // What reading used and gave back (the file, its groups, each record's
+  // items) is returned to the system, so that the open drawing holds only
+  // its objects.
+  ::malloc_trim(0);
+  if (!ok) {
     if (error) *error = path + ": " + err;
     return false;
   }

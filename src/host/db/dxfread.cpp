@@ -318,6 +318,7 @@ bool Reader::loadRecord(const GroupRange& r, Record& rec) {
       }
   std::sort(skip.begin(), skip.end());
   std::vector<DxfItem> items;
+  items.reserve(r.size());
   size_t start = r.begin + 1;
   size_t xdataAt = r.end;
   for (size_t s : skip) {

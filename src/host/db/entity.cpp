@@ -363,6 +363,19 @@ Field sequencePart() {
 
 namespace {
 
+// Counts by group code: a part has a few codes, so a short list beats a map.
+class CodeCounts {
+ public:
+  int& operator[](int code) {
+    for (auto& [c, n] : counts_)
+      if (c == code) return n;
+    return counts_.emplace_back(code, 0).second;
+  }
+
+ private:
+  std::vector<std::pair<int, int>> counts_;
+};
+
 bool knows(const ClassSchema& s, int code) {
   for (const Field& fd : s.fields()) {
     if (fd.customDxfIn) {
@@ -395,11 +408,11 @@ const PartState* stateOf(const AcDbEntity* e, const ClassSchema* s) {
 // out), or one the file did not hold (a required one would be written).
 std::vector<signed char> presenceOf(const ClassSchema& s, const AcDbEntity* e, const std::vector<DxfItem>& span,
                                     const std::vector<char>& isExtra) {
-  std::map<int, int> count;
+  CodeCounts count;
   for (size_t i = 0; i < span.size(); ++i)
     if (!isExtra[i]) ++count[span[i].code];
   std::vector<signed char> presence(s.fields().size(), PartState::kUnknown);
-  std::map<int, int> used;
+  CodeCounts used;
   bool matters = false;
   for (size_t i = 0; i < s.fields().size(); ++i) {
     const Field& fd = s.fields()[i];
@@ -452,6 +465,9 @@ Acad::ErrorStatus dxfInPart(const ClassSchema& s, AcDbEntity* e, AcDbDxfFiler* f
   if (pos < items.size() && items[pos].code == 100) {
     if (items[pos].kind != DxfItem::String || items[pos].s != s.marker()) return Acad::eBadDxfSequence;
     f->next();
+    size_t end = pos + 1;
+    while (end < items.size() && items[end].code != 100 && items[end].code != 1001) ++end;
+    span.reserve(end - pos - 1);
     while (!f->atEOF() && f->peekCode() != 100 && f->peekCode() != 1001) span.push_back(*f->next());
   } else {
     // No marker: this part's groups from the rest of the object.
@@ -467,6 +483,7 @@ Acad::ErrorStatus dxfInPart(const ClassSchema& s, AcDbEntity* e, AcDbDxfFiler* f
   // Read through the schema; a group it stops at is not the class's: keep
   // it aside and read again without it.
   MemoryDxfFiler t(f->filerType(), f->database());
+  t.items().reserve(span.size() + 1);
   t.writeString(100, s.marker());
   t.items().insert(t.items().end(), span.begin(), span.end());
   std::vector<size_t> live(span.size());
@@ -494,7 +511,7 @@ Acad::ErrorStatus dxfInPart(const ClassSchema& s, AcDbEntity* e, AcDbDxfFiler* f
   } else if (const PartState* before = stateOf(e, &s)) {
     state.presence = before->presence;
   }
-  std::map<int, int> seen;
+  CodeCounts seen;
   int lastCode = 100, lastOccurrence = 0;
   for (size_t i = 0; i < span.size(); ++i) {
     if (!isExtra[i]) {
