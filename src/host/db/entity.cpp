@@ -388,6 +388,9 @@ bool knows(const ClassSchema& s, int code) {
 }
 
 void setState(AcDbEntity* e, PartState state) {
+  // Kept for the life of the entity: no spare room.
+  state.extras.shrink_to_fit();
+  state.presence.shrink_to_fit();
   EntityExtras* x = EntityAccess::extras(e, !state.empty());
   if (!x) return;
   if (PartState* p = x->find(state.schema)) {

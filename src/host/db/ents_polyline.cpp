@@ -77,6 +77,7 @@ const ClassSchema& AcDbPolyline::schema() {
                   }
                   pl->verts_.push_back(v);
                 }
+                pl->verts_.shrink_to_fit();  // a drawing holds many: no spare room in each
                 return Acad::eOk;
               },
               [](const AcDbObject* o, AcDbDwgFiler* f) {
