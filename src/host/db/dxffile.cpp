@@ -164,9 +164,11 @@ bool readDxf(const std::string& path, std::unique_ptr<AcDbDatabase>* out, std::s
 }
 
 bool writeDxf(AcDbDatabase* db, const std::string& path, std::string* error) {
-  std::string bytes;
-  if (!writeDxfBytes(db, &bytes, error)) return false;
-  return dxf::writeFileAtomically(path, bytes, error);
+  // Straight to the new file as the groups are made: the whole file is
+  // never held in memory.
+  return dxf::writeFileAtomically(
+      path, [&](const std::function<bool(std::string_view)>& append) { return writeDxfPieces(db, append, error); },
+      error);
 }
 
 }  // namespace zepk::db

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,6 +26,10 @@ struct DxfFileData {
   std::vector<DxfClassRecord> classes;
   std::vector<KeptSection> sections;
 };
+
+// Writes the database as writeDxfBytes does, handing the bytes to `append`
+// a piece at a time as they are made (false from it stops writing).
+bool writeDxfPieces(AcDbDatabase* db, const std::function<bool(std::string_view)>& append, std::string* error);
 
 // The file data of a database, made empty on first use.
 DxfFileData& dxfFileData(AcDbDatabase* db);

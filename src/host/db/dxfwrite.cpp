@@ -67,6 +67,11 @@ const char16_t* kHostApp = u"ZEPK host";
 class Writer {
  public:
   explicit Writer(AcDbDatabase* db) : db_(db), filer_(AcDb::kFileFiler, db) {}
+  // The bytes go to `sink` as they are made rather than staying here.
+  void setSink(GroupWriter::Sink sink) {
+    streaming_ = true;
+    w_.setSink(std::move(sink));
+  }
   bool run();
   std::string release() { return w_.release(); }
   const std::string& error() const { return error_; }
@@ -123,6 +128,7 @@ class Writer {
   std::unordered_map<const AcRxClass*, std::string> typeTexts_;
   std::string proxyType_;
   std::string text_;      // utf8()'s result
+  bool streaming_ = false;
 };
 
 std::u16string Writer::typeName(const AcDbObject* obj) const {
@@ -295,7 +301,7 @@ bool Writer::classes() {
   }
   for (const auto& [cls, c] : perClass) add(typeName(c.sample), c.sample, c.first, c.count);
   // The file is about this many bytes an object.
-  w_.reserve(all.size() * 320 + (1 << 16));
+  if (!streaming_) w_.reserve(all.size() * 320 + (1 << 16));
   for (auto& [name, obj] : sample) {
     bool have = std::any_of(records.begin(), records.end(), [&](const DxfClassRecord& r) { return r.dxfName == name; });
     if (have) continue;
@@ -488,11 +494,26 @@ bool Writer::run() {
   if (!prepare() || !header() || !classes() || !tables() || !blocks() || !entities() || !objects()) return false;
   keptSections();
   w_.text(0, "EOF");
+  w_.flush();
   if (!w_.ok()) return fail(w_.error());
   return true;
 }
 
 }  // namespace
+
+bool writeDxfPieces(AcDbDatabase* db, const std::function<bool(std::string_view)>& append, std::string* error) {
+  if (!db) {
+    if (error) *error = "no drawing to write";
+    return false;
+  }
+  Writer w(db);
+  w.setSink(append);
+  if (!w.run()) {
+    if (error) *error = w.error();
+    return false;
+  }
+  return true;
+}
 
 bool writeDxfBytes(AcDbDatabase* db, std::string* bytes, std::string* error) {
   if (!db) {

@@ -21,6 +21,16 @@ bool GroupWriter::refuse(int code, const std::string& why) {
   return false;
 }
 
+bool GroupWriter::flush() {
+  if (!sink_ || sinkFailed_) return !sinkFailed_;
+  if (!out_.empty() && !sink_(out_)) {
+    sinkFailed_ = true;
+    refuse(0, "the file could not be written");
+  }
+  out_.clear();
+  return !sinkFailed_;
+}
+
 bool GroupWriter::checkCode(int code) {
   if (!ok()) return false;
   if (code < 0) return refuse(code, "a negative code belongs to entity lists, not to files");
@@ -51,6 +61,7 @@ bool GroupWriter::text(int code, std::string_view value) {
   putCode(code);
   out_ += value;
   putEol();
+  done();
   return true;
 }
 
@@ -71,6 +82,7 @@ bool GroupWriter::real(int code, double value) {
   }
   for (const char* e = eol_; *e != '\0'; ++e) *p++ = *e;
   out_.append(buf, p);
+  done();
   return true;
 }
 
@@ -93,6 +105,7 @@ bool GroupWriter::integer(int code, std::int64_t value) {
   char* p = std::to_chars(codeLine(buf, code), buf + 48, value).ptr;
   for (const char* e = eol_; *e != '\0'; ++e) *p++ = *e;
   out_.append(buf, p);
+  done();
   return true;
 }
 
@@ -144,11 +157,24 @@ bool writeAll(int fd, std::string_view bytes) {
 }  // namespace
 
 bool writeFileAtomically(const std::string& path, std::string_view bytes, std::string* error) {
+  return writeFileAtomically(path, Producer([bytes](const std::function<bool(std::string_view)>& append) { return append(bytes); }),
+                             error);
+}
+
+bool writeFileAtomically(const std::string& path, const Producer& produce, std::string* error) {
+  // A fault of the path is told after the bytes are made: when they cannot
+  // be made, that is what the caller hears, as when they were made first.
+  std::string pathFault;
   auto fail = [&](const std::string& why) {
     if (error != nullptr) *error = failure(path, why);
     return false;
   };
-  if (path.empty()) return fail("no file name");
+  // Makes the bytes with nowhere to put them; then tells the path's fault.
+  auto failAfterProducing = [&](const std::string& why) {
+    if (!produce([](std::string_view) { return true; })) return false;
+    return fail(why);
+  };
+  if (path.empty()) return failAfterProducing("no file name");
 
   // Replace what a symbolic link names, not the link.
   std::string target = path;
@@ -169,8 +195,8 @@ bool writeFileAtomically(const std::string& path, std::string_view bytes, std::s
     }
   }
   const bool exists = ::stat(target.c_str(), &st) == 0;
-  if (exists && S_ISDIR(st.st_mode)) return fail("it is a folder");
-  if (!target.empty() && target.back() == '/') return fail("it names a folder");
+  if (exists && S_ISDIR(st.st_mode)) return failAfterProducing("it is a folder");
+  if (!target.empty() && target.back() == '/') return failAfterProducing("it names a folder");
 
   const size_t slash = target.rfind('/');
   const std::string dir = slash == std::string::npos ? std::string() : target.substr(0, slash + 1);
@@ -181,18 +207,35 @@ bool writeFileAtomically(const std::string& path, std::string_view bytes, std::s
   for (int attempt = 0; attempt < 100 && fd < 0; ++attempt) {
     tmp = temporaryName(dir, base);
     fd = ::open(tmp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);  // the umask applies
-    if (fd < 0 && errno != EEXIST) return fail(std::strerror(errno));
+    if (fd < 0 && errno != EEXIST) return failAfterProducing(std::strerror(errno));
   }
-  if (fd < 0) return fail("no free temporary name in its folder");
+  if (fd < 0) return failAfterProducing("no free temporary name in its folder");
 
-  bool ok = writeAll(fd, bytes);
+  int writeErrno = 0;
+  const bool produced = produce([&](std::string_view piece) {
+    if (writeErrno != 0) return false;
+    if (writeAll(fd, piece)) return true;
+    writeErrno = errno != 0 ? errno : EIO;
+    return false;
+  });
+  bool ok = produced && writeErrno == 0;
+  if (!ok && writeErrno == 0) {
+    // The bytes could not be made: the caller's error says why.
+    ::close(fd);
+    ::unlink(tmp.c_str());
+    return false;
+  }
+  int saved = writeErrno;
   if (ok && exists) {
     // Keep the old file's permissions and, where allowed, its owner.
     ok = ::fchmod(fd, st.st_mode & 07777) == 0;
+    if (!ok) saved = errno;
     if (ok && (st.st_uid != ::geteuid() || st.st_gid != ::getegid())) (void)!::fchown(fd, st.st_uid, st.st_gid);
   }
-  ok = ok && ::fsync(fd) == 0;
-  int saved = ok ? 0 : errno;
+  if (ok && ::fsync(fd) != 0) {
+    ok = false;
+    saved = errno;
+  }
   if (::close(fd) != 0 && ok) {
     ok = false;
     saved = errno;

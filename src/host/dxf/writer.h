@@ -19,6 +19,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -49,6 +50,18 @@ class GroupWriter {
   std::string release() { return std::move(out_); }
   void reserve(std::size_t n) { out_.reserve(n); }
 
+  // Where the bytes go as they are made, a piece at a time, instead of
+  // staying in bytes(): the writer hands over what it holds whenever that
+  // passes a megabyte, and at flush(). A sink that fails stops the writer
+  // (ok() is false from then on) and sinkFailed() says so.
+  using Sink = std::function<bool(std::string_view)>;
+  void setSink(Sink sink) {
+    sink_ = std::move(sink);
+    out_.reserve(kPiece + 4096);
+  }
+  bool flush();
+  bool sinkFailed() const { return sinkFailed_; }
+
  private:
   bool refuse(int code, const std::string& why);
   bool checkCode(int code);
@@ -56,9 +69,17 @@ class GroupWriter {
   char* codeLine(char* p, int code) const;
   void putEol() { out_ += eol_; }
 
+  // After each group: hand a full piece to the sink.
+  void done() {
+    if (sink_ && out_.size() >= kPiece) flush();
+  }
+
+  static constexpr std::size_t kPiece = std::size_t{1} << 20;
   std::string out_;
   std::string error_;
   const char* eol_;
+  Sink sink_;
+  bool sinkFailed_ = false;
 };
 
 // Writes the bytes to `path` so that the file is either replaced whole or
@@ -69,5 +90,15 @@ class GroupWriter {
 // On failure no temporary file is left behind and *error (when given) says
 // what went wrong, naming the path.
 bool writeFileAtomically(const std::string& path, std::string_view bytes, std::string* error = nullptr);
+
+// The same, with the bytes made while the file is written: `produce` gets a
+// function that appends bytes to the new file (false once writing has
+// failed) and returns whether it made them all. When it returns false, or
+// writing fails, the old file stays as it was; *error then says why: the
+// failure to write when there was one, else what `produce` put there. A
+// fault of the path itself is told only once `produce` has succeeded, as
+// when the bytes are made first.
+using Producer = std::function<bool(const std::function<bool(std::string_view)>& append)>;
+bool writeFileAtomically(const std::string& path, const Producer& produce, std::string* error = nullptr);
 
 }  // namespace zepk::dxf
