@@ -3,9 +3,13 @@
 //
 //   dxf_bench IN.dxf OUT.dxf
 //
-// Prints "load S save S resident MB peak MB entities N", where resident is the
-// growth of the process's resident memory from before loading to after (the
-// drawing as it stays open) and peak the process's high-water mark.
+// Prints "load S save S resident MB peak MB entities N cpuload S cpusave S",
+// where resident is the growth of the process's resident memory from before
+// loading to after (the drawing as it stays open), peak the process's
+// high-water mark, and the cpu figures the processor time of each step
+// (steadier than the elapsed time on a busy machine).
+#include <time.h>
+
 #include <chrono>
 #include <cstdio>
 #include <cstring>
@@ -52,6 +56,12 @@ long countModelSpace(AcDbDatabase* db) {
   return n;
 }
 
+double cpuSeconds() {
+  timespec ts{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &ts);
+  return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) * 1e-9;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -63,20 +73,24 @@ int main(int argc, char** argv) {
   long before = statusKb("VmRSS:");
   std::unique_ptr<AcDbDatabase> db;
   std::string error;
+  const double c0 = cpuSeconds();
   auto t0 = clock::now();
   if (!zepk::db::readDxf(argv[1], &db, &error)) {
     std::fprintf(stderr, "%s\n", error.c_str());
     return 1;
   }
   auto t1 = clock::now();
+  const double c1 = cpuSeconds();
   long after = statusKb("VmRSS:");
   if (!zepk::db::writeDxf(db.get(), argv[2], &error)) {
     std::fprintf(stderr, "%s\n", error.c_str());
     return 1;
   }
   auto t2 = clock::now();
-  std::printf("load %.3f save %.3f resident %.1f peak %.1f entities %ld\n",
+  const double c2 = cpuSeconds();
+  std::printf("load %.3f save %.3f resident %.1f peak %.1f entities %ld cpuload %.3f cpusave %.3f\n",
               std::chrono::duration<double>(t1 - t0).count(), std::chrono::duration<double>(t2 - t1).count(),
-              (after - before) / 1024.0, statusKb("VmHWM:") / 1024.0, countModelSpace(db.get()));
+              (after - before) / 1024.0, statusKb("VmHWM:") / 1024.0, countModelSpace(db.get()), c1 - c0,
+              c2 - c1);
   return 0;
 }

@@ -77,8 +77,16 @@ struct Record {
   Record() = default;
   Record(const Record&) = delete;
   Record& operator=(const Record&) = delete;
-  ~Record() { acutRelRb(xdata); }
+  ~Record() {
+    acutRelRb(xdata);
+    if (spare) {
+      items.clear();
+      if (items.capacity() > spare->capacity()) items.swap(*spare);
+    }
+  }
+  std::vector<DxfItem>* spare = nullptr;  // where the items' room goes back to
 };
+
 
 // The owner a record names: its group 330 before the class data, outside
 // the 102 groups of reactors and extension dictionary.
@@ -175,6 +183,8 @@ class Reader {
   std::vector<Complex> complexes_;
   std::vector<AcDbObjectId> objectsInOrder_;  // the OBJECTS section
   std::vector<AcDbObjectId> entityOwners_;    // the owner of each top-level entity of a run
+  std::vector<DxfItem> spareItems_;            // room for the next record's items
+  std::vector<DxfItem> spareFiler_;            // room for the next object's filer
   int polylineFlags_ = 0;                      // of the polyline being read (R12 vertices)
 };
 
@@ -317,7 +327,10 @@ bool Reader::loadRecord(const GroupRange& r, Record& rec) {
         break;
       }
   std::sort(skip.begin(), skip.end());
+  // The list of the last record read, emptied: its room is reused.
   std::vector<DxfItem> items;
+  items.swap(spareItems_);
+  items.clear();
   items.reserve(r.size());
   size_t start = r.begin + 1;
   size_t xdataAt = r.end;
@@ -327,6 +340,7 @@ bool Reader::loadRecord(const GroupRange& r, Record& rec) {
   }
   if (!convert(start, r.end, items, &xdataAt)) return false;
   rec.items = std::move(items);
+  rec.spare = &spareItems_;
   if (xdataAt < r.end && !convertXData(xdataAt, r.end, &rec.xdata)) return false;
   return true;
 }
@@ -397,13 +411,17 @@ AcDbObjectId Reader::makeObject(Record& rec, Place place, AcDbObjectId owner) {
   const uint64_t handle = id.handle().value();
   auto readInto = [&](AcDbObject* o, Acad::ErrorStatus* es) {
     MemoryDxfFiler f(AcDb::kFileFiler, db_);
-    f.items() = rec.items;
+    f.items().swap(spareFiler_);
+    f.items().assign(rec.items.begin(), rec.items.end());
     *es = o->dxfInFields(&f);
+    int stopped = -1;
     if (*es == Acad::eOk && !f.atEOF()) {
       *es = Acad::eInvalidDxfCode;
-      return static_cast<int>(f.position());
+      stopped = static_cast<int>(f.position());
     }
-    return -1;
+    f.items().clear();
+    if (f.items().capacity() > spareFiler_.capacity()) f.items().swap(spareFiler_);
+    return stopped;
   };
   Acad::ErrorStatus es;
   int stoppedAt = readInto(obj, &es);

@@ -464,7 +464,21 @@ Acad::ErrorStatus dxfInPart(const ClassSchema& s, AcDbEntity* e, AcDbDxfFiler* f
   if (f->filerStatus() != Acad::eOk) return f->filerStatus();
   std::vector<DxfItem>& items = f->items();
   size_t pos = f->position();
+  // The two lists this needs are taken from the last call's, so that a
+  // drawing's thousands of parts do not each allocate them anew (a call
+  // within a call finds them taken and makes its own).
+  static thread_local std::vector<DxfItem> spareSpan, spareItems;
   std::vector<DxfItem> span;
+  span.swap(spareSpan);
+  span.clear();
+  struct GiveBack {
+    std::vector<DxfItem>& list;
+    std::vector<DxfItem>& to;
+    ~GiveBack() {
+      list.clear();
+      if (list.capacity() > to.capacity()) list.swap(to);
+    }
+  } giveSpan{span, spareSpan};
   if (pos < items.size() && items[pos].code == 100) {
     if (items[pos].kind != DxfItem::String || items[pos].s != s.marker()) return Acad::eBadDxfSequence;
     f->next();
@@ -486,6 +500,9 @@ Acad::ErrorStatus dxfInPart(const ClassSchema& s, AcDbEntity* e, AcDbDxfFiler* f
   // Read through the schema; a group it stops at is not the class's: keep
   // it aside and read again without it.
   MemoryDxfFiler t(f->filerType(), f->database());
+  t.items().swap(spareItems);
+  t.items().clear();
+  GiveBack giveItems{t.items(), spareItems};
   t.items().reserve(span.size() + 1);
   t.writeString(100, s.marker());
   t.items().insert(t.items().end(), span.begin(), span.end());
