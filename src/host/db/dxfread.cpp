@@ -485,6 +485,9 @@ bool Reader::readHeader(const Section& s) {
 
 bool Reader::prescanHandles(const dxf::Layout& layout) {
   uint64_t top = 0;
+  size_t records = 0;
+  for (const Section& s : layout.sections) records += s.records.size();
+  handleLines_.reserve(records);
   for (const Section& s : layout.sections) {
     if (s.kind != SectionKind::Tables && s.kind != SectionKind::Blocks && s.kind != SectionKind::Entities &&
         s.kind != SectionKind::Objects)
