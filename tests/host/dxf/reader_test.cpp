@@ -91,6 +91,47 @@ TEST(ReadText, FilesFrom2007OnAreUtf8WhateverTheCodePage) {
   EXPECT_EQ(m.warnings[0], "line 22: 1 text is not UTF-8; read in code page 936");
 }
 
+// The list a drawing is read through holds the same groups as readGroups
+// gives, its text where it stands in the file unless decoding changed it;
+// a failure is the same message.
+TEST(ReadText, GroupListViewsTheFileAndKeepsDecodedText) {
+  const Pairs body = {{0, "SECTION"}, {2, "ENTITIES"}, {0, "TEXT"}, {8, gbk(u"测量")}, {1, "plain"},
+                      {1, "\\U+00D8 12"}, {10, "1.5"}, {70, "65535"}, {0, "ENDSEC"}, {0, "EOF"}};
+  const std::string file = dxf(header("AC1015", "ANSI_936") + body, "\r\n");
+  const ReadResult copies = readGroups(file);
+  GroupList list = readGroupList(file);
+  ASSERT_TRUE(list.ok) << list.error;
+  ASSERT_EQ(list.groups.size(), copies.groups.size());
+  for (size_t i = 0; i < list.groups.size(); ++i) {
+    EXPECT_EQ(list.groups[i].toGroup(), copies.groups[i]) << i;
+    EXPECT_EQ(list.groups[i].line, copies.groups[i].line) << i;
+  }
+  EXPECT_EQ(list.version, "AC1015");
+  EXPECT_EQ(list.codePage, 936);
+  auto inFile = [&](std::string_view v) { return v.data() >= file.data() && v.data() < file.data() + file.size(); };
+  size_t decoded = 0;
+  for (const GroupRef& g : list.groups) {
+    if (!g.isText()) continue;
+    if (g.text() == "测量" || g.text() == "Ø 12") {
+      EXPECT_FALSE(inFile(g.text()));
+      ++decoded;
+    } else {
+      EXPECT_TRUE(inFile(g.text())) << g.text();
+    }
+  }
+  EXPECT_EQ(decoded, 2u);
+  // Moved, the list still views its decoded text.
+  const GroupList moved = std::move(list);
+  EXPECT_EQ(texts(copies, 8), std::vector<std::string>{std::string(moved.groups[10].text())});
+  EXPECT_EQ(splitSections(moved.groups).sections.size(), 2u);
+
+  const std::string bad = dxf({{0, "SECTION"}, {10, "x1"}});
+  const GroupList failed = readGroupList(bad);
+  EXPECT_FALSE(failed.ok);
+  EXPECT_EQ(failed.error, readGroups(bad).error);
+  EXPECT_TRUE(failed.groups.empty());
+}
+
 TEST(ReadText, OldFilesThatNameNoCodePage) {
   const Pairs body = {{0, "SECTION"}, {2, "ENTITIES"}, {0, "TEXT"}, {1, "Ø 12 — 测"}, {0, "ENDSEC"}, {0, "EOF"}};
   // Well-formed UTF-8: taken as UTF-8.

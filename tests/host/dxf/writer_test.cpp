@@ -12,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <random>
 #include <sstream>
 
@@ -220,6 +221,76 @@ TEST_F(AtomicWrite, FailureLeavesWhatWasThere) {
     EXPECT_EQ(slurp(path), "old");
     EXPECT_EQ(names(), (std::vector<std::string>{"drawing.dxf", "old.dxf"}));
   }
+}
+
+// Bytes made while the file is written: a writer handing its groups over a
+// piece at a time makes the same file as one holding them all, and a
+// writer that fails leaves the old file as it was, with its own message.
+TEST_F(AtomicWrite, StreamedGroupsMakeTheSameFile) {
+  auto groups = [](GroupWriter& w, int count) {
+    for (int i = 0; i < count; ++i) {
+      w.text(0, "LINE");
+      w.text(8, "road edge");
+      w.point(10, i * 0.1, -i / 3.0, 1e300);
+      w.integer(90, i);
+    }
+    return w.text(0, "EOF");
+  };
+  GroupWriter whole;
+  groups(whole, 40000);  // some megabytes: several pieces
+  ASSERT_GT(whole.bytes().size(), 3u << 20);
+
+  const std::string path = (dir_ / "plan.dxf").string();
+  std::string error;
+  int pieces = 0;
+  ASSERT_TRUE(writeFileAtomically(
+      path,
+      [&](const std::function<bool(std::string_view)>& append) {
+        GroupWriter w;
+        w.setSink([&](std::string_view piece) {
+          ++pieces;
+          return append(piece);
+        });
+        groups(w, 40000);
+        return w.flush() && w.ok() && w.bytes().empty();
+      },
+      &error))
+      << error;
+  EXPECT_GT(pieces, 2);
+  EXPECT_EQ(slurp(path), whole.bytes());
+
+  // A writer that stops half way: the old file stays, no temporary file is
+  // left, and the message is the writer's.
+  auto refusing = [&](const std::function<bool(std::string_view)>& append) {
+    GroupWriter w;
+    w.setSink(append);
+    groups(w, 40000);
+    w.text(1, "two\nlines");
+    w.flush();
+    error = w.error();
+    return w.ok();
+  };
+  EXPECT_FALSE(writeFileAtomically(path, refusing, &error));
+  EXPECT_EQ(error, "group 1: a line break cannot be written in a text value");
+  EXPECT_EQ(slurp(path), whole.bytes());
+  EXPECT_EQ(names(), std::vector<std::string>{"plan.dxf"});
+
+  // Where both the bytes and the path fail, the bytes' fault is told, as
+  // when the bytes are made before the file is opened; the path's fault
+  // when the bytes are good.
+  const std::string missing = (dir_ / "no" / "such.dxf").string();
+  EXPECT_FALSE(writeFileAtomically(missing, refusing, &error));
+  EXPECT_EQ(error, "group 1: a line break cannot be written in a text value");
+  EXPECT_FALSE(writeFileAtomically(
+      missing, [](const std::function<bool(std::string_view)>& append) { return append("0\nEOF\n"); }, &error));
+  EXPECT_EQ(error, "cannot write \"" + missing + "\": No such file or directory");
+
+  // A sink that fails stops the writer.
+  GroupWriter w;
+  w.setSink([](std::string_view) { return false; });
+  groups(w, 40000);
+  EXPECT_TRUE(w.sinkFailed());
+  EXPECT_FALSE(w.ok());
 }
 
 // ---------------------------------------------------------------- an independent reader
