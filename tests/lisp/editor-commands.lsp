@@ -101,6 +101,13 @@ ARX L zepksample
 ARX ?
 ARX U zepksample
 ARX L nosuchmodule
+; U takes back a whole command that erased one entity and made another.
+(setq n (length (kinds)) before (g 5 (entlast)))
+(defun c:swap () (entdel (entlast)) (command "_.POINT" '(50 50)) (princ))
+SWAP
+(list (= (length (kinds)) n) (g 0 (entlast)) (g 10 (entlast)))
+U
+(list (= (length (kinds)) n) (= (g 5 (entlast)) before))
 ; A command cancelled inside a program reaches *error*: here the input ends
 ; while CIRCLE waits for its radius.
 (defun *error* (msg) (princ (strcat "\nerror: " msg)) (princ))
