@@ -7,6 +7,7 @@ using zepk::db::customPart;
 using zepk::db::DxfItem;
 using zepk::db::field;
 using zepk::db::kOptional;
+using zepk::db::kDegreesInFile;
 using zepk::db::MemoryDxfFiler;
 
 namespace {
@@ -33,7 +34,7 @@ const ClassSchema& AcDbBlockReference::schema() {
           field<&AcDbBlockReference::scaleX_>(41, "ScaleX", 1.0, kOptional),
           field<&AcDbBlockReference::scaleY_>(42, "ScaleY", 1.0, kOptional),
           field<&AcDbBlockReference::scaleZ_>(43, "ScaleZ", 1.0, kOptional),
-          field<&AcDbBlockReference::rotation_>(50, "Rotation", 0.0, kOptional),
+          field<&AcDbBlockReference::rotation_>(50, "Rotation", 0.0, kOptional | kDegreesInFile),
           field<&AcDbBlockReference::columns_>(70, "Columns", 1, kOptional),
           field<&AcDbBlockReference::rows_>(71, "Rows", 1, kOptional),
           field<&AcDbBlockReference::columnSpacing_>(44, "ColumnSpacing", 0.0, kOptional),

@@ -10,6 +10,7 @@
 using zepk::db::ClassSchema;
 using zepk::db::field;
 using zepk::db::kOptional;
+using zepk::db::kDegreesInFile;
 
 namespace {
 
@@ -108,8 +109,8 @@ const ClassSchema& AcDbArc::circleSchema() {
 const ClassSchema& AcDbArc::schema() {
   static const ClassSchema s{u"AcDbArc",
                              {
-                                 field<&AcDbArc::startAngle_>(50, "StartAngle"),
-                                 field<&AcDbArc::endAngle_>(51, "EndAngle"),
+                                 field<&AcDbArc::startAngle_>(50, "StartAngle", 0.0, kDegreesInFile),
+                                 field<&AcDbArc::endAngle_>(51, "EndAngle", 0.0, kDegreesInFile),
                              }};
   return s;
 }
@@ -280,7 +281,7 @@ const ClassSchema& AcDbPoint::schema() {
                                  field<&AcDbPoint::position_>(10, "Position"),
                                  field<&AcDbPoint::thickness_>(39, "Thickness", 0.0, kOptional),
                                  field<&AcDbPoint::normal_>(210, "Normal", kZ, kOptional),
-                                 field<&AcDbPoint::ecsRotation_>(50, "EcsRotation", 0.0, kOptional),
+                                 field<&AcDbPoint::ecsRotation_>(50, "EcsRotation", 0.0, kOptional | kDegreesInFile),
                              }};
   return s;
 }

@@ -5,6 +5,7 @@
 using zepk::db::ClassSchema;
 using zepk::db::field;
 using zepk::db::kOptional;
+using zepk::db::kDegreesInFile;
 
 namespace {
 
@@ -89,7 +90,7 @@ const ClassSchema& AcDb2dVertex::schema() {
                                  field<&AcDb2dVertex::endWidth_>(41, "EndWidth", 0.0, kOptional),
                                  field<&AcDb2dVertex::bulge_>(42, "Bulge", 0.0, kOptional),
                                  field<&AcDb2dVertex::flags_>(70, "Flags", 0),
-                                 field<&AcDb2dVertex::tangent_>(50, "Tangent", 0.0, kOptional),
+                                 field<&AcDb2dVertex::tangent_>(50, "Tangent", 0.0, kOptional | kDegreesInFile),
                                  field<&AcDb2dVertex::vertexId_>(91, "VertexIdentifier", 0, kOptional),
                              }};
   return s;

@@ -11,6 +11,7 @@ using zepk::db::DxfItem;
 using zepk::db::field;
 using zepk::db::Field;
 using zepk::db::kOptional;
+using zepk::db::kDegreesInFile;
 using zepk::db::MemoryDxfFiler;
 
 namespace {
@@ -76,9 +77,9 @@ const ClassSchema& AcDbText::schema() {
                                  field<&AcDbText::position_>(10, "Position"),
                                  field<&AcDbText::height_>(40, "Height", 0.0),
                                  field<&AcDbText::text_>(1, "TextString"),
-                                 field<&AcDbText::rotation_>(50, "Rotation", 0.0, kOptional),
+                                 field<&AcDbText::rotation_>(50, "Rotation", 0.0, kOptional | kDegreesInFile),
                                  field<&AcDbText::widthFactor_>(41, "WidthFactor", 1.0, kOptional),
-                                 field<&AcDbText::oblique_>(51, "Oblique", 0.0, kOptional),
+                                 field<&AcDbText::oblique_>(51, "Oblique", 0.0, kOptional | kDegreesInFile),
                                  stylePart<&AcDbText::styleId_, &AcDbText::styleName_>(),
                                  field<&AcDbText::generation_>(71, "TextGenerationFlag", 0, kOptional),
                                  field<&AcDbText::horizontal_>(72, "HorizontalMode", 0, kOptional),

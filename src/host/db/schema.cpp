@@ -1,6 +1,7 @@
 #include "host/db/schema.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace zepk::db {
 
@@ -13,6 +14,14 @@ Acad::ErrorStatus ClassSchema::dxfOut(const AcDbObject* obj, AcDbDxfFiler* f) co
       continue;
     }
     if ((fd.flags & kOptional) && !f->includesDefaultValues() && fd.isDefault(obj)) continue;
+    if ((fd.flags & kDegreesInFile) && f->filerType() == AcDb::kFileFiler) {
+      MemoryDxfFiler value(AcDb::kCopyFiler);
+      fd.writeDxf(obj, fd, &value);
+      if (value.items().size() == 1) {
+        f->writeDouble(fd.code, value.items()[0].p[0] * 180.0 / M_PI);
+        continue;
+      }
+    }
     fd.writeDxf(obj, fd, f);
   }
   return f->filerStatus();
@@ -40,7 +49,13 @@ Acad::ErrorStatus ClassSchema::dxfIn(AcDbObject* obj, AcDbDxfFiler* filer) const
         taken = true;
       } else if (!filled[i] && fd.code == code) {
         const DxfItem* it = f->next();
-        if (!fd.readDxf(obj, *it)) return Acad::eInvalidResBuf;
+        if ((fd.flags & kDegreesInFile) && f->filerType() == AcDb::kFileFiler && it->kind == DxfItem::Real) {
+          DxfItem radians = *it;
+          radians.p[0] = radians.p[0] * M_PI / 180.0;
+          if (!fd.readDxf(obj, radians)) return Acad::eInvalidResBuf;
+        } else if (!fd.readDxf(obj, *it)) {
+          return Acad::eInvalidResBuf;
+        }
         filled[i] = true;
         taken = true;
       }

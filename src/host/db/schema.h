@@ -30,6 +30,9 @@ enum FieldFlags : unsigned {
   kNone = 0,
   // Not written to DXF when it holds its default.
   kOptional = 1,
+  // An angle kept in radians that a drawing file writes in degrees (arc
+  // angles, text and block rotations); entity lists give radians.
+  kDegreesInFile = 2,
 };
 
 // Access to one field through the object; made by field<> below.

@@ -7,7 +7,9 @@
 #include <cstdlib>
 #include <fstream>
 #include <memory>
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "host/db/dbobjects.h"
 #include "host/db/dxffile.h"
@@ -410,6 +412,45 @@ TEST(Wblock, TheWholeDrawingIsAFaithfulCopy) {
   AcDbObjectPointer<AcDbLine> l(there, AcDb::kForRead);
   ASSERT_EQ(l.openStatus(), Acad::eOk);
   EXPECT_EQ(nameOf(l->layerId()), u"KEEP");
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(DrawingFiles, AnglesAreDegreesInTheFileAndRadiansInTheDrawing) {
+  write("arc.dxf",
+        "0\nSECTION\n2\nENTITIES\n0\nARC\n8\n0\n10\n1.0\n20\n2.0\n30\n0.0\n40\n5.0\n50\n90.0\n51\n180.0\n"
+        "0\nTEXT\n8\n0\n10\n0.0\n20\n0.0\n30\n0.0\n40\n2.5\n1\nT\n50\n45.0\n0\nENDSEC\n0\nEOF\n");
+  AcDbDatabase db(false);
+  ASSERT_EQ(db.readDwgFile(path("arc.dxf").c_str()), Acad::eOk) << db.lastFileError();
+  AcDbObjectIdArray ents = entitiesOf(spaceId(&db));
+  ASSERT_EQ(ents.size(), 2u);
+  {
+    AcDbObjectPointer<AcDbArc> arc(ents[0], AcDb::kForRead);
+    ASSERT_EQ(arc.openStatus(), Acad::eOk);
+    EXPECT_NEAR(arc->startAngle(), M_PI / 2, 1e-12);
+    EXPECT_NEAR(arc->endAngle(), M_PI, 1e-12);
+    AcDbObjectPointer<AcDbText> text(ents[1], AcDb::kForRead);
+    ASSERT_EQ(text.openStatus(), Acad::eOk);
+    EXPECT_NEAR(text->rotation(), M_PI / 4, 1e-12);
+  }
+  ASSERT_EQ(db.saveAs(path("again.dxf").c_str()), Acad::eOk);
+  // The saved groups, trimmed: the arc's angles are back in degrees.
+  std::ifstream in(dir_ + "/again.dxf");
+  std::vector<std::string> lines;
+  for (std::string l; std::getline(in, l);) {
+    while (!l.empty() && (l.back() == '\r' || l.back() == ' ')) l.pop_back();
+    lines.push_back(l.substr(l.find_first_not_of(' ') == std::string::npos ? 0 : l.find_first_not_of(' ')));
+  }
+  auto valueOf = [&](const std::string& code, size_t from) {
+    for (size_t i = from; i + 1 < lines.size(); i += 1)
+      if (lines[i] == code) return std::stod(lines[i + 1]);
+    return -1.0;
+  };
+  size_t arcAt = std::find(lines.begin(), lines.end(), "AcDbArc") - lines.begin();
+  EXPECT_NEAR(valueOf("50", arcAt), 90.0, 1e-9);
+  EXPECT_NEAR(valueOf("51", arcAt), 180.0, 1e-9);
 }
 
 }  // namespace
