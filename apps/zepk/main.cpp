@@ -17,6 +17,7 @@
 
 #include "host/editor/commandline.h"
 #include "host/editor/commands.h"
+#include "host/editor/docman.h"
 #include "host/editor/lispcmds.h"
 #include "host/lisp/interp.h"
 #include "host/lisp/printer.h"
@@ -64,6 +65,12 @@ void interactive(editor::CommandLine& cl, lisp::Interp& in) {
   std::string histFile;
   if (const char* home = std::getenv("HOME")) histFile = std::string(home) + "/.zepk_history";
   using_history();
+  // Timers and window messages are handled while the terminal waits.
+  rl_event_hook = [] {
+    editor::documentsIdle();
+    return 0;
+  };
+  rl_set_keyboard_input_timeout(50000);
   if (!histFile.empty()) read_history(histFile.c_str());
   cl.run(
       [&](std::string* out) {
@@ -88,18 +95,23 @@ void interactive(editor::CommandLine& cl, lisp::Interp& in) {
 }
 
 int runSession(const Options& opt) {
-  // The session starts with a new drawing as the one it works on; it
-  // outlives the interpreter, whose values may name its objects.
-  std::unique_ptr<AcDbDatabase> drawing(new AcDbDatabase(true));
-  acdbHostApplicationServices()->setWorkingDatabase(drawing.get());
+  // The session starts with a new drawing as its one document. The
+  // documents outlive the interpreter, whose values may name their objects.
+  editor::initDocuments();
+  struct Documents {
+    ~Documents() { editor::shutdownDocuments(); }
+  } documents;
   lisp::Interp in;
   in.maxDepth = 30000;
   lisp::installBridge(in);
   lisp::installDrawing(in);
-  rx::loadAutoloadModules();
   editor::CommandLine cl(in);
   editor::installCommandFunctions(in);
   editor::registerBuiltinCommands();
+  editor::registerDocumentCommands();
+  // What each new document's LISP starts with: the host's own functions.
+  editor::captureLispBase();
+  rx::loadAutoloadModules();
   editor::setScriptRunner([&](const std::u16string& path) {
     std::string text;
     if (!readFile(sys::toUtf8(path), &text)) {

@@ -13,6 +13,7 @@
 // sending it kInvkSubrMsg, which returns the function's status.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -97,9 +98,18 @@ int loadAutoloadModules();
 int unloadAllModules();
 
 // Documents opened or closed after the modules were loaded: kLoadDwgMsg or
-// kUnloadDwgMsg to every loaded module, in load order.
+// kUnloadDwgMsg to every loaded module (closing in the reverse order), with
+// that document current.
 void documentOpened();
 void documentClosing();
+
+// The open documents, for a module loaded or unloaded while several are
+// open: the walker runs fn once for each document that has been set up,
+// with that document current, so that the module gets kLoadDwgMsg (or
+// kUnloadDwgMsg) for each as the host sends them. The document manager
+// sets it; with none, the messages go once, for the one drawing.
+using DocumentWalker = std::function<void(const std::function<void()>&)>;
+void setDocumentWalker(DocumentWalker walker);
 
 // The bridge's side: the registered name and entry point of a module.
 const std::u16string& moduleName(const Module* m);

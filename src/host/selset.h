@@ -2,6 +2,7 @@
 // and LISP's ss* functions share them.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,12 @@ bool filterIds(const std::vector<AcDbObjectId>& ids, const std::vector<DxfItem>&
 void makeSet(std::vector<AcDbObjectId> ids, ads_name out);
 // The members of a set, null when the name names no set.
 const std::vector<AcDbObjectId>* setMembers(const ads_name ss);
+// Each document has its own sets, pickfirst and previous selection; the
+// document manager makes the current document's sets current.
+struct SelectionSets;
+std::shared_ptr<SelectionSets> newSelectionSets();
+void setCurrentSelectionSets(std::shared_ptr<SelectionSets> sets);
+
 // The entities selected before a command (ssgetfirst, sssetfirst).
 std::vector<AcDbObjectId>& pickfirstSet();
 const std::vector<AcDbObjectId>& previousSet();

@@ -2,6 +2,7 @@
 // selection set frees its set when LISP drops the last reference to it).
 #include <algorithm>
 #include <map>
+#include <memory>
 
 #include "host/ads.h"
 #include "host/dbapserv.h"
@@ -16,17 +17,25 @@ namespace zepk::db {
 
 namespace {
 
-struct Sets {
+}  // namespace
+
+struct SelectionSets {
   std::map<int64_t, std::vector<AcDbObjectId>> sets;
-  int64_t next = 1;
   std::vector<AcDbObjectId> pickfirst;
   std::vector<AcDbObjectId> previous;
 };
 
-Sets& sets() {
-  static auto* s = new Sets;
+namespace {
+
+// Set names are numbered across the session, so that a name kept from one
+// document never names a set of another.
+int64_t gNextSet = 1;
+
+std::shared_ptr<SelectionSets>& currentSets() {
+  static auto* s = new std::shared_ptr<SelectionSets>(std::make_shared<SelectionSets>());
   return *s;
 }
+SelectionSets& sets() { return *currentSets(); }
 
 // The set of a name; a name of no set sets ERRNO.
 std::vector<AcDbObjectId>* find(const ads_name n) {
@@ -37,8 +46,8 @@ std::vector<AcDbObjectId>* find(const ads_name n) {
 }
 
 void newSet(std::vector<AcDbObjectId> ids, ads_name out) {
-  Sets& s = sets();
-  int64_t n = s.next++;
+  SelectionSets& s = sets();
+  int64_t n = gNextSet++;
   s.sets.emplace(n, std::move(ids));
   out[0] = n;
   out[1] = 0;
@@ -113,6 +122,12 @@ void makeSet(std::vector<AcDbObjectId> ids, ads_name out) {
 }
 
 const std::vector<AcDbObjectId>* setMembers(const ads_name ss) { return find(ss); }
+
+std::shared_ptr<SelectionSets> newSelectionSets() { return std::make_shared<SelectionSets>(); }
+
+void setCurrentSelectionSets(std::shared_ptr<SelectionSets> s) {
+  if (s) currentSets() = std::move(s);
+}
 
 std::vector<AcDbObjectId>& pickfirstSet() { return sets().pickfirst; }
 const std::vector<AcDbObjectId>& previousSet() { return sets().previous; }

@@ -18,6 +18,7 @@
 #include "host/editor/sysvars.h"
 #include "host/entlist.h"
 #include "host/gemat3d.h"
+#include "host/editor/docman.h"
 #include "host/rxmodule.h"
 #include "host/system/utf.h"
 
@@ -347,16 +348,6 @@ std::u16string currentPath() {
   return prefix + name;
 }
 
-void setPath(const std::u16string& path) {
-  size_t slash = path.find_last_of(u'/');
-  std::u16string folder = slash == std::u16string::npos ? u"" : path.substr(0, slash + 1);
-  std::u16string name = slash == std::u16string::npos ? path : path.substr(slash + 1);
-  setDrawingPath(folder, name);
-}
-
-// Whether the working drawing has a file of its own (opened or saved).
-bool titled = false;
-
 bool saveTo(std::u16string path) {
   if (!endsWithDxf(path)) path += u".dxf";
   Acad::ErrorStatus es = db()->saveAs(path.c_str());
@@ -364,12 +355,12 @@ bool saveTo(std::u16string path) {
     say("Cannot save " + sys::toUtf8(path) + ": " + db()->lastFileError() + "\n");
     return false;
   }
-  setPath(path);
-  titled = true;
+  documentSaved(path);
   return true;
 }
 
-bool named() { return titled; }
+// Whether the working drawing has a file of its own (opened or saved).
+bool named() { return currentDocumentTitled(); }
 
 void cmdSaveAs() {
   std::u16string path;
@@ -387,25 +378,9 @@ void cmdQSave() {
   saveTo(currentPath());
 }
 
-std::vector<std::unique_ptr<AcDbDatabase>>& drawings() {
-  // Drawings opened by commands live to the end of the session, since LISP
-  // values may still name their objects.
-  static std::vector<std::unique_ptr<AcDbDatabase>> all;
-  return all;
-}
-
+// NEW and OPEN make a new document, which becomes the current one.
 void makeCurrent(AcDbDatabase* d, const std::u16string& path) {
-  drawings().emplace_back(d);
-  // Loaded modules hear of the drawing that closes and of the new one.
-  rx::documentClosing();
-  acdbHostApplicationServices()->setWorkingDatabase(d);
-  titled = !path.empty();
-  if (path.empty()) {
-    setDrawingPath(u"", u"Drawing1.dxf");
-  } else {
-    setPath(path);
-  }
-  rx::documentOpened();
+  addDocument(std::unique_ptr<AcDbDatabase>(d), path);
 }
 
 void cmdNew() {
@@ -432,9 +407,7 @@ void cmdOpen() {
   makeCurrent(d.release(), path);
 }
 
-void cmdClose() {
-  makeCurrent(new AcDbDatabase(true), u"");
-}
+void cmdClose() { closeCurrentDocument(); }
 
 // ----------------------------------------------------------------- layers
 

@@ -1,6 +1,7 @@
 #include "host/editor/commandline.h"
 
 #include "host/editor/commands.h"
+#include "host/editor/docman.h"
 #include "host/lisp/printer.h"
 #include "host/system/utf.h"
 
@@ -51,12 +52,14 @@ bool CommandLine::evalAndPrint(const std::u16string& text) {
     in_.out().write(std::string_view("\n"));
   }
   in_.runQueued();
+  documentsIdle();
   return ok;
 }
 
 void CommandLine::runCommand(const std::u16string& name) {
   Commands::get().run(name);
   in_.runQueued();
+  documentsIdle();
 }
 
 void CommandLine::feed(const std::string& utf8Line, bool echo) {

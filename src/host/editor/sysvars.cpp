@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <map>
+#include <memory>
 #include <sys/time.h>
 #include <sys/utsname.h>
 
@@ -122,6 +123,7 @@ const std::vector<Def>& table() {
     v.push_back(computed(def("DATE", Type::Real, true, nullptr, 0)));
     v.push_back(computed(text("DWGNAME", true, nullptr, 0, u"")));
     v.push_back(computed(text("DWGPREFIX", true, nullptr, 0, u"")));
+    v.push_back(computed(ranged("DBMOD", true, nullptr, 0, 0, 0, 31)));
     v.push_back(point("VIEWCTR", Type::Point3, true, nullptr, 6.0, 4.5, 0.0));
     v.push_back(def("VIEWSIZE", Type::Real, true, nullptr, 0, 9.0));
     v.push_back(point("SCREENSIZE", Type::Point2, true, nullptr, 1024.0, 768.0));
@@ -189,14 +191,24 @@ const Def* find(std::u16string_view name) {
   return nullptr;
 }
 
-struct Session {
+}  // namespace
+
+// The values of one document that its drawing does not store.
+struct DocumentVariables {
   std::map<std::string, SysValue> values;
   std::u16string folder, name = u"Drawing1.dwg";
+  int dbmod = 0;
 };
-Session& session() {
-  static auto* s = new Session;
+
+namespace {
+
+// The current document's set; the session's first set serves until the
+// documents install their own.
+std::shared_ptr<DocumentVariables>& currentVars() {
+  static auto* s = new std::shared_ptr<DocumentVariables>(std::make_shared<DocumentVariables>());
   return *s;
 }
+DocumentVariables& session() { return *currentVars(); }
 
 AcDbDatabase* workingDb() { return acdbHostApplicationServices()->workingDatabase(); }
 
@@ -287,6 +299,7 @@ SysValue computedValue(const Def& d) {
   if (n == "CDATE") return SysValue::real(calendarDate());
   if (n == "DATE") return SysValue::real(julianDate());
   if (n == "DWGNAME") return SysValue::string(session().name);
+  if (n == "DBMOD") return SysValue::integer(session().dbmod);
   if (n == "DWGPREFIX") {
     if (!session().folder.empty()) return SysValue::string(session().folder);
     char buf[4096];
@@ -508,6 +521,18 @@ std::vector<std::u16string> sysVarNames() {
 }
 
 void setErrno(int code) { hostErrno() = code; }
+
+std::shared_ptr<DocumentVariables> newDocumentVariables() { return std::make_shared<DocumentVariables>(); }
+
+void setCurrentDocumentVariables(std::shared_ptr<DocumentVariables> vars) {
+  if (vars) currentVars() = std::move(vars);
+}
+
+void setDrawingModified(DocumentVariables* vars, int bits) {
+  if (vars) vars->dbmod = bits;
+}
+
+int drawingModified(const DocumentVariables* vars) { return vars ? vars->dbmod : 0; }
 
 void setDrawingPath(std::u16string folder, std::u16string name) {
   session().folder = std::move(folder);

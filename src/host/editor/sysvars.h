@@ -10,6 +10,7 @@
 // case-insensitive.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -60,6 +61,16 @@ std::vector<std::u16string> sysVarNames();
 
 // The value of ERRNO, which failing host functions set.
 void setErrno(int code);
+
+// The variables of a document that its drawing does not store (the
+// session values, DWGNAME, DWGPREFIX, DBMOD): each document has its own
+// set, and the document manager makes the current document's set current.
+struct DocumentVariables;
+std::shared_ptr<DocumentVariables> newDocumentVariables();
+void setCurrentDocumentVariables(std::shared_ptr<DocumentVariables> vars);
+// DBMOD of a document: 1 once its drawing changed, 0 after a save.
+void setDrawingModified(DocumentVariables* vars, int bits);
+int drawingModified(const DocumentVariables* vars);
 
 // What the host shows for the working drawing's name and folder (DWGNAME,
 // DWGPREFIX); the documents of the session set it.

@@ -387,6 +387,11 @@ Value Interp::apply(const Value& fnIn, ArgSpan args) {
 // its turn at the place of the error) and turned into false.
 template <class F>
 bool Interp::topLevel(F&& f, Value* result) {
+  struct Running {
+    int& n;
+    explicit Running(int& r) : n(r) { ++n; }
+    ~Running() { --n; }
+  } running(running_);
   try {
     Value v = f();
     if (result) *result = std::move(v);

@@ -148,6 +148,10 @@ class Interp {
     }
   }
 
+  // Top-level evaluations under way (evalText, loadFile, callTop): 0 when
+  // no LISP runs, as between the command line's expressions.
+  int running() const { return running_; }
+
   // Stack of evaluated arguments, used by calls so that no call allocates.
   Value* argTop() { return argTop_; }
 
@@ -173,6 +177,7 @@ class Interp {
   Value* argTop_ = nullptr;
   Value* argEnd_ = nullptr;
   int depth_ = 0;
+  int running_ = 0;
   bool inErrorHandler_ = false;
   Interp* previous_ = nullptr;
 

@@ -82,6 +82,19 @@ std::vector<Module*> loadedInOrder() {
 
 void dropDefinitions(Module* m) { lisp::undefineModuleFunctions(m); }
 
+DocumentWalker& walker() {
+  static auto* w = new DocumentWalker;
+  return *w;
+}
+
+void eachDocument(const std::function<void()>& fn) {
+  if (walker()) {
+    walker()(fn);
+  } else {
+    fn();
+  }
+}
+
 }  // namespace
 
 std::u16string moduleKey(std::u16string_view s) {
@@ -133,7 +146,11 @@ Status loadModule(std::u16string_view nameOrPath) {
   }
   m->loadSeq = ++gLoadSeq;
   m->state = State::Loaded;
-  if (send(m, AcRx::kLoadDwgMsg, nullptr) == AcRx::kRetError) {
+  bool refused = false;
+  eachDocument([&] {
+    if (!refused && send(m, AcRx::kLoadDwgMsg, nullptr) == AcRx::kRetError) refused = true;
+  });
+  if (refused) {
     m->state = State::Unloading;
     send(m, AcRx::kUnloadAppMsg, m);
     dropDefinitions(m);
@@ -151,7 +168,11 @@ Status unloadModule(std::u16string_view nameOrPath) {
   Module* m = find(nameOrPath);
   if (!m || m->state != State::Loaded) return Status::NotLoaded;
   m->state = State::Unloading;
-  if (send(m, AcRx::kUnloadDwgMsg, nullptr) == AcRx::kRetError || send(m, AcRx::kUnloadAppMsg, m) == AcRx::kRetError) {
+  bool refused = false;
+  eachDocument([&] {
+    if (!refused && send(m, AcRx::kUnloadDwgMsg, nullptr) == AcRx::kRetError) refused = true;
+  });
+  if (refused || send(m, AcRx::kUnloadAppMsg, m) == AcRx::kRetError) {
     m->state = State::Loaded;
     return Status::Refused;
   }
@@ -207,6 +228,8 @@ void documentClosing() {
     if ((*it)->state == State::Loaded) send(*it, AcRx::kUnloadDwgMsg, nullptr);
   }
 }
+
+void setDocumentWalker(DocumentWalker w) { walker() = std::move(w); }
 
 const std::u16string& moduleName(const Module* m) { return m->name; }
 AcRxEntryPoint moduleEntry(const Module* m) { return m->entry; }
