@@ -138,6 +138,7 @@ int runSession(const Options& opt) {
     if (endsWith(path, ".lsp")) {
       in.loadFile(path);
       in.runQueued();
+      editor::documentsIdle();
     } else if (endsWith(path, ".scr")) {
       cl.feedScript(text, true);
       cl.finish();

@@ -324,9 +324,9 @@ LONG URLDownloadToFileW(void* pCaller, LPCWSTR szURL, LPCWSTR szFileName, DWORD 
 // As the Windows C runtime reads them: leading white space, a sign, then
 // digits; reading stops at the first character that does not fit and what
 // was read counts (nothing read gives 0). _wtof takes a decimal point,
-// digits and an exponent (e or E, optionally d or D as well), and also INF
-// and NAN; out of range gives HUGE_VAL or 0. _wtoi and _wtol clamp to
-// INT_MIN..INT_MAX on overflow.
+// digits and an exponent (e, E, d or D); INF and NAN are no numbers to it
+// (0); out of range gives HUGE_VAL or 0. _wtoi and _wtol clamp to
+// INT_MIN..INT_MAX on overflow, _wtoi64 to the 64-bit range.
 double _wtof(const WCHAR* str);
 int _wtoi(const WCHAR* str);
 LONG _wtol(const WCHAR* str);

@@ -13,6 +13,7 @@
 #include "host/lisp/interp.h"
 #include "host/rxmodule.h"
 #include "host/selset.h"
+#include "host/system/msgbox.h"
 #include "host/system/utf.h"
 #include "host/system/winmsg.h"
 
@@ -491,12 +492,44 @@ Progress& progress() {
   return *p;
 }
 
+// Message boxes on the command line: the title and the text, then, for a
+// box that asks, a prompt with the buttons, answered from the pending input.
+int messageBox(std::u16string_view text, std::u16string_view caption, UINT type) {
+  Commands& c = Commands::get();
+  c.print(u"\n" + std::u16string(caption) + u": " + std::u16string(text) + u"\n");
+  std::vector<int> buttons = sys::messageBoxButtons(type);
+  int dflt = sys::messageBoxDefault(type);
+  if (buttons.size() < 2) return dflt;
+  std::u16string prompt = u"[";
+  for (size_t i = 0; i < buttons.size(); ++i) prompt += (i ? u"/" : u"") + sys::messageBoxWord(buttons[i]);
+  prompt += u"] <" + sys::messageBoxWord(dflt) + u">: ";
+  for (;;) {
+    Answer a;
+    bool wasCancelled = c.cancelled;
+    int rc = c.next(prompt, false, &a);
+    // A box left unanswered does not cancel the command that showed it.
+    c.cancelled = wasCancelled;
+    if (rc != RTNORM) {
+      // No input left: a box that can be cancelled is, else the default.
+      for (int b : buttons) {
+        if (b == IDCANCEL) return IDCANCEL;
+      }
+      return dflt;
+    }
+    if (a.kind != Answer::Text) continue;
+    if (a.text.empty()) return dflt;
+    if (int id = sys::messageBoxAnswer(a.text, type)) return id;
+    c.print(u"Invalid option keyword.\n");
+  }
+}
+
 }  // namespace
 
 void initDocuments() {
   Manager& m = manager();
   if (m.cur()) return;
   m.mainWindow();
+  sys::setMessageBoxHandler(messageBox);
   m.add(std::make_unique<AcDbDatabase>(true), u"");
   // A module loaded or unloaded hears of every open document.
   rx::setDocumentWalker([](const std::function<void()>& fn) { manager().forEachLoaded(fn); });

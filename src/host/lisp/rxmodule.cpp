@@ -8,6 +8,7 @@
 #include "host/ads.h"
 #include "host/lisp/bridge.h"
 #include "host/lisp/printer.h"
+#include "host/system/shell.h"
 #include "host/system/utf.h"
 
 namespace zepk::rx {
@@ -126,6 +127,8 @@ bool registerModule(std::u16string_view name, AcRxEntryPoint entry, bool autoloa
   m->key = key;
   m->entry = entry;
   m->autoload = autoload;
+  // The module's handle (what kInitAppMsg gets) names its file.
+  sys::registerModuleHandle(m.get(), m->name);
   registry().push_back(std::move(m));
   return true;
 }
