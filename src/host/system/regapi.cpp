@@ -102,7 +102,7 @@ LSTATUS RegSetValueExW(HKEY hKey, LPCWSTR name, DWORD, DWORD type, const BYTE* d
   if (!data && size) return ERROR_INVALID_PARAMETER;
   if (type == REG_DWORD && size != 4) return ERROR_INVALID_PARAMETER;
   std::vector<uint8_t> bytes(data, data + size);
-  RegistryStore::setValue(*k, text(name), type, std::move(bytes));
+  registry().setValue(*k, text(name), type, std::move(bytes));
   return commit();
 }
 
@@ -132,7 +132,7 @@ LSTATUS RegDeleteValueW(HKEY hKey, LPCWSTR name) {
   auto k = keyOf(hKey);
   if (!k) return ERROR_INVALID_HANDLE;
   if (k->deleted) return ERROR_KEY_DELETED;
-  if (!RegistryStore::removeValue(*k, text(name))) return ERROR_FILE_NOT_FOUND;
+  if (!registry().removeValue(*k, text(name))) return ERROR_FILE_NOT_FOUND;
   return commit();
 }
 

@@ -1,6 +1,7 @@
 #include "host/system/registry.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -237,12 +238,119 @@ RegistryStore::RegistryStore(std::string file) : file_(std::move(file)) {
     roots_[i] = std::make_shared<Key>();
     roots_[i]->name = kRootNames[i];
   }
-  if (file_.empty()) return;
+  if (!file_.empty()) read();
+}
+
+RegistryStore::Stamp RegistryStore::stampOf(const std::string& file) {
+  Stamp st;
+  struct stat sb;
+  if (::stat(file.c_str(), &sb) != 0) return st;
+  st.exists = true;
+  st.dev = sb.st_dev;
+  st.ino = sb.st_ino;
+  st.size = static_cast<unsigned long long>(sb.st_size);
+  st.mtimeNs = static_cast<long long>(sb.st_mtim.tv_sec) * 1000000000LL + sb.st_mtim.tv_nsec;
+  return st;
+}
+
+// Reads the file into the (empty) store and notes which file it was.
+bool RegistryStore::read() {
+  stamp_ = stampOf(file_);
   std::ifstream f(file_, std::ios::binary);
-  if (!f) return;
+  if (!f) return true;
   std::stringstream ss;
   ss << f.rdbuf();
-  if (!parse(ss.str())) damaged_ = true;
+  if (parse(ss.str())) return true;
+  damaged_ = true;
+  return false;
+}
+
+bool RegistryStore::pathOf(const Key& k, int* root, std::vector<std::u16string>* path) const {
+  std::vector<std::u16string> rev;
+  const Key* p = &k;
+  while (p->parent) {
+    rev.push_back(p->name);
+    p = p->parent;
+  }
+  for (int i = 0; i < kRoots; ++i) {
+    if (roots_[i].get() == p) {
+      *root = i;
+      path->assign(rev.rbegin(), rev.rend());
+      return true;
+    }
+  }
+  return false;  // a deleted key, or one of another store
+}
+
+void RegistryStore::record(Change::Kind kind, const Key& k) { record(kind, k, Value{}); }
+
+void RegistryStore::record(Change::Kind kind, const Key& k, Value v) {
+  if (quiet_ || file_.empty()) return;
+  Change c{kind, 0, {}, std::move(v)};
+  if (pathOf(k, &c.root, &c.path)) journal_.push_back(std::move(c));
+}
+
+// Makes a change again on this store; a change whose key is gone is
+// dropped (the other session removed it).
+void RegistryStore::apply(const Change& c) {
+  std::shared_ptr<Key> k = roots_[c.root];
+  for (size_t i = 0; k && i < c.path.size(); ++i) {
+    if (c.kind == Change::CreateKey) {
+      bool created;
+      k = create(k, c.path[i], &created);
+    } else {
+      k = find(k, c.path[i]);
+    }
+  }
+  if (!k) return;
+  switch (c.kind) {
+    case Change::SetValue: setValue(*k, c.value.name, c.value.type, c.value.data); break;
+    case Change::RemoveValue: removeValue(*k, c.value.name); break;
+    case Change::RemoveKey: removeKey(k); break;
+    case Change::CreateKey: break;
+  }
+}
+
+namespace {
+
+void markDeleted(RegistryStore::Key& k) {
+  k.deleted = true;
+  k.parent = nullptr;
+  for (auto& s : k.subkeys) markDeleted(*s);
+  k.subkeys.clear();
+}
+
+void mergeKey(RegistryStore::Key& ours, RegistryStore::Key& theirs) {
+  ours.values = std::move(theirs.values);
+  std::vector<std::shared_ptr<RegistryStore::Key>> subs;
+  for (auto& t : theirs.subkeys) {
+    std::shared_ptr<RegistryStore::Key> match;
+    for (auto& o : ours.subkeys) {
+      if (o && sameName(o->name, t->name)) {
+        match = o;
+        o = nullptr;
+        break;
+      }
+    }
+    if (match) {
+      match->name = t->name;
+      mergeKey(*match, *t);
+    } else {
+      match = t;
+      match->parent = &ours;
+    }
+    subs.push_back(match);
+  }
+  for (auto& o : ours.subkeys) {
+    if (o) markDeleted(*o);
+  }
+  ours.subkeys = std::move(subs);
+}
+
+}  // namespace
+
+void RegistryStore::adopt(RegistryStore& other) {
+  for (int i = 0; i < kRoots; ++i) mergeKey(*roots_[i], *other.roots_[i]);
 }
 
 std::shared_ptr<RegistryStore::Key> RegistryStore::find(const std::shared_ptr<Key>& from,
@@ -272,6 +380,15 @@ std::shared_ptr<RegistryStore::Key> RegistryStore::find(const std::shared_ptr<Ke
 
 std::shared_ptr<RegistryStore::Key> RegistryStore::create(const std::shared_ptr<Key>& from, std::u16string_view path,
                                                           bool* created) {
+  bool made = false;
+  std::shared_ptr<Key> k = makePath(from, path, &made);
+  if (created) *created = made;
+  if (k && made) record(Change::CreateKey, *k);
+  return k;
+}
+
+std::shared_ptr<RegistryStore::Key> RegistryStore::makePath(const std::shared_ptr<Key>& from, std::u16string_view path,
+                                                            bool* created) {
   if (created) *created = false;
   if (!from || from->deleted) return nullptr;
   // Check the whole path before making any of it.
@@ -317,6 +434,7 @@ std::shared_ptr<RegistryStore::Key> RegistryStore::create(const std::shared_ptr<
 
 bool RegistryStore::removeKey(const std::shared_ptr<Key>& key) {
   if (!key || !key->parent || !key->subkeys.empty()) return false;
+  record(Change::RemoveKey, *key);
   auto& sibs = key->parent->subkeys;
   auto it = std::find(sibs.begin(), sibs.end(), key);
   if (it == sibs.end()) return false;
@@ -334,6 +452,7 @@ const RegistryStore::Value* RegistryStore::value(const Key& k, std::u16string_vi
 }
 
 void RegistryStore::setValue(Key& k, std::u16string_view name, uint32_t type, std::vector<uint8_t> data) {
+  record(Change::SetValue, k, Value{std::u16string(name), type, data});
   for (Value& v : k.values) {
     if (sameName(v.name, name)) {
       v.type = type;
@@ -347,6 +466,7 @@ void RegistryStore::setValue(Key& k, std::u16string_view name, uint32_t type, st
 bool RegistryStore::removeValue(Key& k, std::u16string_view name) {
   for (auto it = k.values.begin(); it != k.values.end(); ++it) {
     if (sameName(it->name, name)) {
+      record(Change::RemoveValue, k, Value{std::u16string(name), 0, {}});
       k.values.erase(it);
       return true;
     }
@@ -374,6 +494,13 @@ std::string RegistryStore::serialize() const {
 }
 
 bool RegistryStore::parse(std::string_view text) {
+  // What the file holds is no change of this session's.
+  struct Quiet {
+    bool& q;
+    bool was;
+    explicit Quiet(bool& b) : q(b), was(b) { q = true; }
+    ~Quiet() { q = was; }
+  } quiet(quiet_);
   bool ok = true;
   std::shared_ptr<Key> cur;
   size_t pos = 0;
@@ -475,6 +602,32 @@ bool RegistryStore::save() {
     if (in && out) out << in.rdbuf();
     keptDamaged_ = true;
   }
+  // One session writes at a time.
+  int lock = ::open((file_ + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  if (lock < 0) return false;
+  struct Unlock {
+    int fd;
+    ~Unlock() { ::close(fd); }  // closing drops the lock
+  } unlock{lock};
+  while (::flock(lock, LOCK_EX) != 0) {
+    if (errno != EINTR) return false;
+  }
+  if (!(stampOf(file_) == stamp_)) {
+    // Another session wrote the file: take it, with this session's
+    // changes made on it again.
+    RegistryStore disk(file_);
+    if (disk.damaged_) damaged_ = true;
+    {
+      struct Quiet {
+        bool& q;
+        explicit Quiet(bool& b) : q(b) { q = true; }
+        ~Quiet() { q = false; }
+      } quiet(disk.quiet_);
+      for (const Change& c : journal_) disk.apply(c);
+    }
+    adopt(disk);
+    stamp_ = disk.stamp_;
+  }
   std::string tmp = file_ + ".tmp" + std::to_string(::getpid());
   int fd = ::open(tmp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
   if (fd < 0) return false;
@@ -491,6 +644,8 @@ bool RegistryStore::save() {
     ::unlink(tmp.c_str());
     return false;
   }
+  journal_.clear();
+  stamp_ = stampOf(file_);
   return true;
 }
 

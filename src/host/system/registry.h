@@ -8,6 +8,12 @@
 // old file as it was. A file that cannot be read in full is kept beside
 // the new one (".damaged") before the first write replaces it.
 //
+// Several sessions may share the file. Writing takes a lock (a ".lock"
+// file beside it); when another session wrote the file since this one
+// last read or wrote it, the file is read again, this session's changes
+// not yet written are made on it, and the store takes that as its state,
+// so that no session's changes are lost.
+//
 // File format, UTF-8, one item a line:
 //   ZEPK registry 1
 //   K "HKEY_CURRENT_USER" "Software" "Zepk"      a key, by its path
@@ -62,15 +68,18 @@ class RegistryStore {
   bool removeKey(const std::shared_ptr<Key>& key);
 
   static const Value* value(const Key& k, std::u16string_view name);
-  static void setValue(Key& k, std::u16string_view name, uint32_t type, std::vector<uint8_t> data);
-  static bool removeValue(Key& k, std::u16string_view name);
+  void setValue(Key& k, std::u16string_view name, uint32_t type, std::vector<uint8_t> data);
+  bool removeValue(Key& k, std::u16string_view name);
   // Subkeys in the order of their names without regard to case, as the
   // system enumerates them.
   static std::vector<std::shared_ptr<Key>> sortedSubkeys(const Key& k);
 
   // Writes the file (a store in memory only does nothing). False when the
-  // file could not be written; the old file then stays.
+  // file could not be written; the old file then stays, and the changes
+  // are written with the next save.
   bool save();
+  // Changes made since the last save.
+  size_t pendingChanges() const { return journal_.size(); }
   const std::string& file() const { return file_; }
   // Whether the file was read with lines it could not make sense of.
   bool damaged() const { return damaged_; }
@@ -86,10 +95,38 @@ class RegistryStore {
   static void setWriteFaultForTest(long bytes);
 
  private:
+  // A change, by the path of its key, so that it can be made again on the
+  // file another session wrote.
+  struct Change {
+    enum Kind { SetValue, RemoveValue, CreateKey, RemoveKey } kind;
+    int root;
+    std::vector<std::u16string> path;
+    Value value;  // name, and for SetValue its type and data
+  };
+  struct Stamp {
+    bool exists = false;
+    unsigned long long dev = 0, ino = 0, size = 0;
+    long long mtimeNs = 0;
+    bool operator==(const Stamp&) const = default;
+  };
+  static Stamp stampOf(const std::string& file);
+  bool pathOf(const Key& k, int* root, std::vector<std::u16string>* path) const;
+  void record(Change::Kind kind, const Key& k);
+  void record(Change::Kind kind, const Key& k, Value v);
+  void apply(const Change& c);
+  std::shared_ptr<Key> makePath(const std::shared_ptr<Key>& from, std::u16string_view path, bool* created);
+  // Takes the other store's tree as this one's, keeping the keys that
+  // both have (open handles stay valid) and marking the others deleted.
+  void adopt(RegistryStore& other);
+  bool read();
+
   std::string file_;
   std::shared_ptr<Key> roots_[kRoots];
+  std::vector<Change> journal_;
+  Stamp stamp_;
   bool damaged_ = false;
   bool keptDamaged_ = false;
+  bool quiet_ = false;  // reading or replaying: not a change to record
 };
 
 // The session's store, in $XDG_CONFIG_HOME/zepk/registry (else

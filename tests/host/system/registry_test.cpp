@@ -11,6 +11,7 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "host/rxregsvc.h"
 #include "host/system/registry.h"
@@ -216,6 +217,49 @@ TEST_F(Registry, DamagedFileIsReadAsFarAsItGoesAndKept) {
   ASSERT_EQ(setNumber(k, u"m", 1), ERROR_SUCCESS);
   RegCloseKey(k);
   EXPECT_EQ(readAll(file() + ".damaged"), original);
+}
+
+TEST_F(Registry, TwoSessionsSharingTheFileKeepEachOthersChanges) {
+  auto text = [](const char16_t* s) {
+    std::u16string v(s);
+    std::vector<uint8_t> b((v.size() + 1) * 2, 0);
+    std::memcpy(b.data(), v.data(), v.size() * 2);
+    return b;
+  };
+  RegistryStore a(file()), b(file());
+  auto ka = a.create(a.root(1), u"Software\\Zepk\\A", nullptr);
+  a.setValue(*ka, u"v", REG_SZ, text(u"a1"));
+  auto gone = a.create(a.root(1), u"Software\\Zepk\\Gone", nullptr);
+  ASSERT_TRUE(a.save());
+  // b read the file before a wrote it; its own changes keep a's.
+  auto kb = b.create(b.root(1), u"Software\\Zepk\\B", nullptr);
+  b.setValue(*kb, u"w", REG_SZ, text(u"b1"));
+  ASSERT_TRUE(b.save());
+  EXPECT_EQ(b.pendingChanges(), 0u);
+  ASSERT_NE(b.find(b.root(1), u"software\\zepk\\a"), nullptr);
+  auto bGone = b.find(b.root(1), u"Software\\Zepk\\Gone");
+  ASSERT_NE(bGone, nullptr);
+  ASSERT_TRUE(b.removeKey(bGone));
+  ASSERT_TRUE(b.save());
+  // a changes its value again: the file has both sessions' keys, a sees
+  // b's key now, and its handle of the key b removed is of a deleted key.
+  a.setValue(*ka, u"v", REG_SZ, text(u"a2"));
+  ASSERT_TRUE(a.save());
+  EXPECT_TRUE(gone->deleted);
+  auto seen = a.find(a.root(1), u"Software\\Zepk\\B");
+  ASSERT_NE(seen, nullptr);
+  ASSERT_NE(RegistryStore::value(*seen, u"W"), nullptr);
+  RegistryStore c(file());
+  auto ca = c.find(c.root(1), u"Software\\Zepk\\A");
+  ASSERT_NE(ca, nullptr);
+  const RegistryStore::Value* v = RegistryStore::value(*ca, u"v");
+  ASSERT_NE(v, nullptr);
+  EXPECT_EQ(v->data, text(u"a2"));
+  EXPECT_NE(c.find(c.root(1), u"Software\\Zepk\\B"), nullptr);
+  EXPECT_EQ(c.find(c.root(1), u"Software\\Zepk\\Gone"), nullptr);
+  // The same key kept by both is the same object after the merge: a's
+  // handle of A still reaches what the file holds.
+  EXPECT_EQ(a.find(a.root(1), u"Software\\Zepk\\A"), ka);
 }
 
 TEST_F(Registry, ApplicationRecordUnderTheProductKey) {
