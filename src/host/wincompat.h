@@ -327,6 +327,10 @@ LONG URLDownloadToFileW(void* pCaller, LPCWSTR szURL, LPCWSTR szFileName, DWORD 
 // (0); out of range gives HUGE_VAL or 0. _wtoi and _wtol clamp to
 // INT_MIN..INT_MAX on overflow, _wtoi64 to the 64-bit range.
 double _wtof(const WCHAR* str);
+// The same rules for 8-bit text (the C library's atof and atoi read hex
+// numbers, INF and NAN, which these do not).
+double winAtof(const char* str);
+int winAtoi(const char* str);
 int _wtoi(const WCHAR* str);
 LONG _wtol(const WCHAR* str);
 int64_t _wtoi64(const WCHAR* str);

@@ -7,6 +7,8 @@
 (getvar "DBMOD")
 POINT 1,1
 (getvar "DBMOD")
+(setvar "USERR1" 500.0)
+(getvar "DBMOD")
 (setq ss (ssget "X"))
 (sslength ss)
 NEW

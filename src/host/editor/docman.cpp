@@ -46,12 +46,13 @@ class ModifiedWatch : public AcDbDatabaseReactor {
 
 class Document : public AcApDocument {
  public:
-  Document(std::unique_ptr<AcDbDatabase> db, std::u16string path, std::u16string title)
+  Document(std::unique_ptr<AcDbDatabase> db, std::u16string path, std::u16string title, HWND frame)
       : db_(std::move(db)), watch_(this) {
     setPath(path, title);
     vars = newDocumentVariables();
     sets = db::newSelectionSets();
-    wnd = sys::createWindow(u"AfxMDIFrame", title_, nullptr, true);
+    // A child of the main window, as drawing windows are.
+    wnd = sys::createWindow(u"AfxMDIFrame", title_, frame, true);
     db_->addReactor(&watch_);
   }
   ~Document() override {
@@ -234,7 +235,7 @@ class Manager : public AcApDocManager {
   Document* add(std::unique_ptr<AcDbDatabase> db, const std::u16string& path) {
     std::u16string title = u"Drawing" + sys::fromUtf8(std::to_string(++untitled_)) + u".dwg";
     if (!path.empty()) --untitled_;
-    auto owned = std::make_unique<Document>(std::move(db), path, title);
+    auto owned = std::make_unique<Document>(std::move(db), path, title, mainWindow());
     Document* d = owned.get();
     for (AcApDocManagerReactor* r : reactorsNow()) r->documentCreateStarted(d);
     if (!started_) {

@@ -485,6 +485,7 @@ SetStatus setValue(const Def* d, const SysValue& value) {
     AcDbDatabase* db = workingDb();
     if (!db) return SetStatus::Refused;
     setHeaderVar(db, d->header, toItem(*d, v));
+    session().dbmod |= 4;  // a variable of the drawing changed
     return SetStatus::Ok;
   }
   if (std::string(d->name) == "ERRNO") {

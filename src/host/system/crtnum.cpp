@@ -77,3 +77,19 @@ double _wtof(const WCHAR* s) {
 int _wtoi(const WCHAR* s) { return static_cast<int>(readInteger(s, INT_MIN, INT_MAX)); }
 LONG _wtol(const WCHAR* s) { return static_cast<LONG>(readInteger(s, INT32_MIN, INT32_MAX)); }
 int64_t _wtoi64(const WCHAR* s) { return readInteger(s, INT64_MIN, INT64_MAX); }
+
+namespace {
+
+// Only ASCII matters to the readers; other bytes stop them either way.
+std::u16string widen(const char* s) {
+  std::u16string w;
+  if (s) {
+    for (; *s; ++s) w += static_cast<char16_t>(static_cast<unsigned char>(*s) < 0x80 ? *s : 0x80);
+  }
+  return w;
+}
+
+}  // namespace
+
+double winAtof(const char* s) { return s ? _wtof(widen(s).c_str()) : 0.0; }
+int winAtoi(const char* s) { return s ? _wtoi(widen(s).c_str()) : 0; }

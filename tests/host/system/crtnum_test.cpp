@@ -26,6 +26,13 @@ TEST(CrtNumbers, WtofReadsThePrefixThatIsANumber) {
   EXPECT_EQ(_wtof(u"1e400"), HUGE_VAL);
   EXPECT_EQ(_wtof(u"-1e400"), -HUGE_VAL);
   EXPECT_EQ(_wtof(nullptr), 0.0);
+  // The 8-bit reader follows the same rules, not the C library's.
+  EXPECT_EQ(winAtof("0x1A"), 0.0);
+  EXPECT_EQ(winAtof(" -1.5d1x"), -15.0);
+  EXPECT_EQ(winAtof("infinity"), 0.0);
+  EXPECT_EQ(winAtof("1\xA1\xA3"), 1.0);
+  EXPECT_EQ(winAtoi("  12\xB2\xE3"), 12);
+  EXPECT_EQ(winAtoi("9999999999"), INT_MAX);
 }
 
 TEST(CrtNumbers, WtoiStopsAtTheFirstBadCharacterAndClampsOverflow) {
