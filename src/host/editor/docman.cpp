@@ -567,11 +567,16 @@ void documentSaved(const std::u16string& path) {
 }
 
 void documentsIdle() {
-  if (lispRunning()) return;
-  manager().settle();
+  // While a command or a program waits for input (the terminal's idle
+  // time), only timers and window messages run, as in a message loop; the
+  // document's symbols and queued expressions wait for the command line.
+  bool busy = lispRunning() || Commands::get().depth() > 0;
   lisp::Interp* in = lisp::Interp::current();
-  if (in) in->runQueued();
-  if (sys::pump() > 0 && in) in->runQueued();
+  if (!busy) {
+    manager().settle();
+    if (in) in->runQueued();
+  }
+  if (sys::pump() > 0 && !busy && in) in->runQueued();
 }
 
 void registerDocumentCommands() {

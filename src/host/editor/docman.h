@@ -39,7 +39,8 @@ void documentSaved(const std::u16string& path);
 
 // Idle time of the command loop: the current document's symbols come in
 // if a program left them waiting, its modules hear of it, queued
-// expressions run, and timers and window messages are handled.
+// expressions run, and timers and window messages are handled. While a
+// command or a program waits for input only the timers and messages run.
 void documentsIdle();
 
 // Registers ZEPKCLOCK and the other commands of the documents and the
