@@ -1,5 +1,6 @@
-// The host's registry record: its product key, and the record of a
-// loadable application that the host reads to load it on demand.
+// The host's registry record: its product key, the record of a loadable
+// application that the host reads to load it on demand, and the host's
+// settings.
 #pragma once
 
 #include <string>
@@ -39,3 +40,10 @@ class AcadAppInfo {
   std::u16string name_, module_, desc_;
   int reason_ = 0;
 };
+
+// The host's settings (as LISP's getenv and setenv see them), kept in the
+// current profile's General key under the product key: RTNORM, or RTERROR
+// for a name with no setting (nor a variable of the process environment)
+// or a buffer too small for the value and its zero.
+int acedGetEnv(const ACHAR* sym, ACHAR* var, size_t len);
+int acedSetEnv(const ACHAR* sym, const ACHAR* val);

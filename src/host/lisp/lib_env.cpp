@@ -1,43 +1,30 @@
-// The environment: variables of the process and the version of the language.
+// The environment: the host's settings, the variables of the process, and
+// the version of the language.
 #include <cstdlib>
-#include <map>
+#include <optional>
 
 #include "host/lisp/interp.h"
+#include "host/system/hostenv.h"
 #include "host/system/utf.h"
 
 namespace zepk::lisp {
 
 namespace {
 
-// Values set by setenv during the session; they shadow the process
-// environment, as the host's own settings shadow the system's.
-std::map<std::string, std::u16string>& settings() {
-  static std::map<std::string, std::u16string> m;
-  return m;
-}
-
-std::string key(const std::u16string& name) {
-  std::string k = sys::toUtf8(name);
-  for (char& c : k)
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
-  return k;
-}
-
+// The host's settings: those setenv keeps (in the registry store, so they
+// last), then the process environment.
 Value fnGetenv(Interp& in, ArgSpan a) {
   checkArgc(in, a, 1, 1);
   const std::u16string& name = argStr(in, a[0]);
-  auto it = settings().find(key(name));
-  if (it != settings().end()) return str(it->second);
-  const char* v = std::getenv(sys::toUtf8(name).c_str());
-  if (!v) return Value();
-  return str(std::string_view(v));
+  std::optional<std::u16string> v = sys::hostSetting(name);
+  return v ? str(std::move(*v)) : Value();
 }
 
 Value fnSetenv(Interp& in, ArgSpan a) {
   checkArgc(in, a, 2, 2);
   const std::u16string& name = argStr(in, a[0]);
   const std::u16string& value = argStr(in, a[1]);
-  settings()[key(name)] = value;
+  sys::setHostSetting(name, value);
   return a[1];
 }
 

@@ -26,6 +26,7 @@
 #include "host/lisp/reader.h"
 #include "host/system/codepage.h"
 #include "host/system/paths.h"
+#include "host/system/hostenv.h"
 #include "host/system/utf.h"
 
 namespace zepk::lisp {
@@ -348,7 +349,8 @@ bool hasFolder(std::u16string_view name) {
 
 // The full name of a file or folder: a name with a folder in it is looked
 // for there only and given back as it was written; a bare name is looked
-// for in the current folder, then along the support path.
+// for in the current folder, then along the support path (the folders of
+// the host's ACAD setting).
 std::optional<std::u16string> findFile(const std::u16string& name) {
   if (name.empty()) return std::nullopt;
   if (hasFolder(name)) {
@@ -363,9 +365,13 @@ std::optional<std::u16string> findFile(const std::u16string& name) {
     if (cwd.empty() || cwd.back() != '/') cwd.push_back('/');
     return sys::fromNativePath(cwd + native);
   }
-  for (const std::string& folder : supportPath()) {
+  // The folders a program added, then the host's support path (ACAD).
+  std::vector<std::u16string> folders;
+  for (const std::string& folder : supportPath()) folders.push_back(sys::fromUtf8(folder));
+  for (std::u16string& folder : sys::supportFolders()) folders.push_back(std::move(folder));
+  for (const std::u16string& folder : folders) {
     if (folder.empty()) continue;
-    std::u16string full = sys::fromUtf8(folder);
+    std::u16string full = folder;
     if (full.back() != u'/' && full.back() != u'\\') {
       bool windows = full.find(u'\\') != std::u16string::npos || (full.size() == 2 && full[1] == u':');
       full.push_back(windows ? u'\\' : u'/');

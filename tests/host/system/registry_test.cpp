@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "host/rxregsvc.h"
+#include "host/system/hostenv.h"
 #include "host/system/registry.h"
 #include "host/wincompat.h"
 
@@ -260,6 +261,30 @@ TEST_F(Registry, TwoSessionsSharingTheFileKeepEachOthersChanges) {
   // The same key kept by both is the same object after the merge: a's
   // handle of A still reaches what the file holds.
   EXPECT_EQ(a.find(a.root(1), u"Software\\Zepk\\A"), ka);
+}
+
+TEST_F(Registry, HostSettingsLastAndNameTheSupportPath) {
+  EXPECT_EQ(zepk::sys::profileKey(), u"Software\\Zepk\\Host\\R17.1\\Profiles\\<<Unnamed Profile>>");
+  ASSERT_EQ(acedSetEnv(u"ACAD", u"C:\\Survey\\Support; /srv/zepk ;;"), RTNORM);
+  ::setenv("ZEPK_TEST_FALLBACK", "from the process", 1);
+  zepk::sys::reloadRegistry();  // the next session
+  ACHAR buf[64];
+  ASSERT_EQ(acedGetEnv(u"acad", buf, 64), RTNORM);
+  EXPECT_EQ(std::u16string(buf), u"C:\\Survey\\Support; /srv/zepk ;;");
+  EXPECT_EQ(zepk::sys::supportFolders(), (std::vector<std::u16string>{u"C:\\Survey\\Support", u"/srv/zepk"}));
+  EXPECT_EQ(acedGetEnv(u"ACAD", buf, 10), RTERROR);  // too small for the value
+  ASSERT_EQ(acedGetEnv(u"ZEPK_TEST_FALLBACK", buf, 64), RTNORM);
+  EXPECT_EQ(std::u16string(buf), u"from the process");
+  // A setting shadows the process environment.
+  ASSERT_EQ(acedSetEnv(u"ZEPK_TEST_FALLBACK", u"mine"), RTNORM);
+  ASSERT_EQ(acedGetEnv(u"ZEPK_TEST_FALLBACK", buf, 64), RTNORM);
+  EXPECT_EQ(std::u16string(buf), u"mine");
+  ::unsetenv("ZEPK_TEST_FALLBACK");
+  EXPECT_EQ(acedGetEnv(u"ZEPK_NOTHING_HERE", buf, 64), RTERROR);
+  HKEY k = nullptr;
+  ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, (zepk::sys::profileKey() + u"\\General").c_str(), 0, KEY_READ, &k),
+            ERROR_SUCCESS);
+  RegCloseKey(k);
 }
 
 TEST_F(Registry, ApplicationRecordUnderTheProductKey) {
