@@ -318,6 +318,29 @@ HINSTANCE ShellExecuteW(HWND hwnd, LPCWSTR lpOperation, LPCWSTR lpFile, LPCWSTR 
 enum : LONG { S_OK = 0, E_FAIL = static_cast<LONG>(0x80004005u), INET_E_DOWNLOAD_FAILURE = static_cast<LONG>(0x800C0008u) };
 LONG URLDownloadToFileW(void* pCaller, LPCWSTR szURL, LPCWSTR szFileName, DWORD dwReserved, void* lpfnCB);
 
+// The internet reads of the system's library: a session, a URL opened in
+// it, its bytes read in pieces, the handles closed. Opening the URL fetches
+// the whole resource (file://, http://, https://); it fails only when no
+// answer came: an HTTP error page is read like any other, with its status
+// from HttpQueryInfoW(HTTP_QUERY_STATUS_CODE).
+typedef void* HINTERNET;
+enum : DWORD {
+  INTERNET_OPEN_TYPE_PRECONFIG = 0,
+  INTERNET_OPEN_TYPE_DIRECT = 1,
+  INTERNET_FLAG_NO_CACHE_WRITE = 0x04000000,
+  INTERNET_FLAG_RELOAD = 0x80000000,
+  HTTP_QUERY_STATUS_CODE = 19,
+  HTTP_QUERY_FLAG_NUMBER = 0x20000000,
+};
+HINTERNET InternetOpenW(LPCWSTR lpszAgent, DWORD dwAccessType, LPCWSTR lpszProxy, LPCWSTR lpszProxyBypass,
+                        DWORD dwFlags);
+HINTERNET InternetOpenUrlW(HINTERNET hInternet, LPCWSTR lpszUrl, LPCWSTR lpszHeaders, DWORD dwHeadersLength,
+                           DWORD dwFlags, UINT_PTR dwContext);
+// *read is 0 at the end.
+BOOL InternetReadFile(HINTERNET hFile, void* lpBuffer, DWORD dwNumberOfBytesToRead, LPDWORD lpdwNumberOfBytesRead);
+BOOL InternetCloseHandle(HINTERNET hInternet);
+BOOL HttpQueryInfoW(HINTERNET hRequest, DWORD dwInfoLevel, void* lpBuffer, LPDWORD lpdwBufferLength, LPDWORD lpdwIndex);
+
 // ------------------------------------------------------- C runtime numbers
 //
 // As the Windows C runtime reads them: leading white space, a sign, then

@@ -135,4 +135,42 @@ TEST_F(Download, FromAnHttpServerOnThisMachine) {
   EXPECT_FALSE(sys::download(base + "data.bin", (dir_ / "no" / "such" / "x").string(), &why));
 }
 
+TEST_F(Download, InternetReadsInPieces) {
+  int port = startServer();
+  ASSERT_GT(port, 0) << "python3 -m http.server did not start";
+  std::u16string base = sys::fromUtf8("http://127.0.0.1:" + std::to_string(port) + "/");
+  HINTERNET session = InternetOpenW(u"Glegri/1.0", INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0);
+  ASSERT_NE(session, nullptr);
+  HINTERNET url = InternetOpenUrlW(session, (base + u"data.bin").c_str(), nullptr, 0, 0x4000000, 0);
+  ASSERT_NE(url, nullptr);
+  // Pieces of at most 1023 bytes until a read gives none.
+  std::string got;
+  char buf[1023];
+  DWORD n = 0;
+  int reads = 0;
+  while (InternetReadFile(url, buf, sizeof buf, &n) && n > 0) {
+    got.append(buf, n);
+    ++reads;
+  }
+  EXPECT_EQ(got, payload_);
+  EXPECT_EQ(reads, static_cast<int>((payload_.size() + 1022) / 1023));
+  DWORD status = 0, len = 4;
+  ASSERT_TRUE(HttpQueryInfoW(url, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER, &status, &len, nullptr));
+  EXPECT_EQ(status, 200u);
+  EXPECT_TRUE(InternetCloseHandle(url));
+  EXPECT_FALSE(InternetCloseHandle(url));
+  // An error page opens like any answer; its status tells.
+  url = InternetOpenUrlW(session, (base + u"missing.bin").c_str(), nullptr, 0, 0, 0);
+  ASSERT_NE(url, nullptr);
+  len = 4;
+  ASSERT_TRUE(HttpQueryInfoW(url, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER, &status, &len, nullptr));
+  EXPECT_EQ(status, 404u);
+  InternetCloseHandle(url);
+  // No answer at all is a failed open.
+  std::u16string dead = sys::fromUtf8("http://127.0.0.1:" + std::to_string(freePort()) + "/x");
+  EXPECT_EQ(InternetOpenUrlW(session, dead.c_str(), nullptr, 0, 0, 0), nullptr);
+  EXPECT_EQ(InternetOpenUrlW(nullptr, (base + u"data.bin").c_str(), nullptr, 0, 0, 0), nullptr);
+  EXPECT_TRUE(InternetCloseHandle(session));
+}
+
 }  // namespace
