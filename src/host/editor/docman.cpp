@@ -84,10 +84,6 @@ class Document : public AcApDocument {
   }
   const std::u16string& folder() const { return folder_; }
   const std::u16string& title() const { return title_; }
-  std::unique_ptr<AcDbDatabase> releaseDatabase() {
-    db_->removeReactor(&watch_);
-    return std::move(db_);
-  }
 
   static Document* current();
 

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -261,6 +262,64 @@ TEST_F(Registry, TwoSessionsSharingTheFileKeepEachOthersChanges) {
   // The same key kept by both is the same object after the merge: a's
   // handle of A still reaches what the file holds.
   EXPECT_EQ(a.find(a.root(1), u"Software\\Zepk\\A"), ka);
+}
+
+TEST(RegistryFile, RandomTreesRoundTripAndRandomTextNeverBreaksTheReader) {
+  std::mt19937 rng(20261122);
+  auto pick = [&](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
+  // Names and texts from characters that need care in the file.
+  const std::u16string alphabet = u"aZ0 \"\\\n\r\t;=[]测站\x01\x7F\xD800\xDC00\xFFFF";
+  auto word = [&](int maxLen, bool allowBackslash) {
+    std::u16string w;
+    int n = 1 + pick(maxLen);
+    for (int i = 0; i < n; ++i) {
+      char16_t c = alphabet[static_cast<size_t>(pick(static_cast<int>(alphabet.size())))];
+      if (c == u'\\' && !allowBackslash) c = u'_';
+      w += c;
+    }
+    return w;
+  };
+  for (int round = 0; round < 30; ++round) {
+    RegistryStore a("");
+    for (int i = 0; i < 40; ++i) {
+      auto k = a.root(pick(RegistryStore::kRoots));
+      int depth = 1 + pick(3);
+      for (int d = 0; d < depth && k; ++d) k = a.create(k, word(6, false), nullptr);
+      ASSERT_NE(k, nullptr);
+      std::vector<uint8_t> data;
+      uint32_t type = static_cast<uint32_t>(pick(3) == 0 ? REG_DWORD : pick(2) == 0 ? REG_SZ : pick(12));
+      if (type == REG_DWORD) {
+        data.resize(4);
+        for (auto& b : data) b = static_cast<uint8_t>(rng());
+      } else if (type == REG_SZ && pick(4)) {
+        std::u16string t = word(20, true);
+        for (char16_t& c : t) if (c == 0) c = u'x';
+        data.resize((t.size() + 1) * 2, 0);
+        std::memcpy(data.data(), t.data(), t.size() * 2);
+      } else {
+        data.resize(static_cast<size_t>(pick(9)));
+        for (auto& b : data) b = static_cast<uint8_t>(rng());
+      }
+      a.setValue(*k, pick(5) ? word(8, true) : u"", type, data);
+    }
+    std::string text = a.serialize();
+    RegistryStore b("");
+    ASSERT_TRUE(b.parse(text)) << text;
+    EXPECT_EQ(b.serialize(), text);
+  }
+  // Damaged text of every kind: read as far as it goes, never a crash.
+  for (int round = 0; round < 300; ++round) {
+    std::string junk = round % 2 ? "ZEPK registry 1\n" : "";
+    int n = pick(200);
+    const char* pieces[] = {"K ", "S ", "D ", "H ", "\"", "\\", "\\u", "\\uD8", "\n", " ", "HKEY_USERS", "12", "ff", "x"};
+    for (int i = 0; i < n; ++i) {
+      if (pick(3)) junk += pieces[pick(14)];
+      else junk += static_cast<char>(rng());
+    }
+    RegistryStore c("");
+    c.parse(junk);
+    c.serialize();
+  }
 }
 
 TEST_F(Registry, HostSettingsLastAndNameTheSupportPath) {
