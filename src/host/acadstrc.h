@@ -70,6 +70,9 @@ enum ErrorStatus : int {
   eCannotBeErasedByCaller = 403,
   // An entity or selection-set name that names nothing.
   eInvalidAdsName = 404,
+  // A transformation the entity cannot take: a circle, arc or text scaled
+  // differently along its axes.
+  eCannotScaleNonUniformly = 405,
 };
 
 }  // namespace Acad

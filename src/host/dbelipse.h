@@ -44,6 +44,7 @@ class AcDbEllipse : public AcDbCurve {
   bool isClosed() const override;
 
   ZEPK_DB_CURVE_GEOMETRY;
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  protected:

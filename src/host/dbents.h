@@ -39,6 +39,8 @@ typedef std::vector<AcGePoint3d> AcGePoint3dArray;
 typedef std::vector<AcGePoint2d> AcGePoint2dArray;
 typedef std::vector<AcGeVector3d> AcGeVector3dArray;
 typedef std::vector<double> AcGeDoubleArray;
+typedef std::vector<void*> AcDbVoidPtrArray;
+class AcGeMatrix3d;
 
 namespace AcDb {
 
@@ -85,6 +87,9 @@ enum TextHorzMode { kTextLeft = 0, kTextCenter = 1, kTextRight = 2, kTextAlign =
 enum TextVertMode { kTextBase = 0, kTextBottom = 1, kTextVertMid = 2, kTextTop = 3 };
 
 }  // namespace AcDb
+
+// The transformation an entity class takes (host/db/transform.cpp).
+#define ZEPK_DB_TRANSFORM Acad::ErrorStatus transformBy(const AcGeMatrix3d& xform) override
 
 // The filing members every entity class declares: the four filers and the
 // class's schema (its own part).
@@ -148,6 +153,20 @@ class AcDbEntity : public AcDbObject {
   void setDatabaseDefaults(bool doSubents = true);
   void setDatabaseDefaults(AcDbDatabase* pDb, bool doSubents = true);
   virtual void subSetDatabaseDefaults(AcDbDatabase* pDb) {}
+
+  // Moves, turns, scales or mirrors the entity (and what it owns: vertices,
+  // attributes) by the matrix, which must be affine and not singular. A
+  // kind that cannot take the matrix (a circle, arc or text scaled
+  // differently along its axes) gives eCannotScaleNonUniformly and stays as
+  // it was; a kind that has no geometry to move gives eNotApplicable.
+  virtual Acad::ErrorStatus transformBy(const AcGeMatrix3d& xform);
+  // A new entity (in no database, the caller owns it) that is this one
+  // transformed. Where transformBy refuses a non-uniform scale a curve
+  // changes kind: a circle or an arc becomes an ellipse.
+  virtual Acad::ErrorStatus getTransformedCopy(const AcGeMatrix3d& xform, AcDbEntity*& pEnt) const;
+  // The simpler entities this one is made of (the caller owns them);
+  // eNotApplicable for an entity that is already simple.
+  virtual Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const;
 
   // An entity on a locked layer refuses to be opened for write.
   Acad::ErrorStatus checkWriteOpen() const override;
@@ -354,6 +373,7 @@ class AcDbLine : public AcDbCurve {
   Acad::ErrorStatus setNormal(const AcGeVector3d& n);
 
   ZEPK_DB_CURVE_GEOMETRY;
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  protected:
@@ -389,6 +409,8 @@ class AcDbCircle : public AcDbCurve {
   double diameter() const { return 2 * radius_; }
 
   ZEPK_DB_CURVE_GEOMETRY;
+  ZEPK_DB_TRANSFORM;
+  Acad::ErrorStatus getTransformedCopy(const AcGeMatrix3d& xform, AcDbEntity*& pEnt) const override;
   ZEPK_DB_ENTITY_FILERS;
 
  private:
@@ -427,6 +449,8 @@ class AcDbArc : public AcDbCurve {
   double length() const { return radius_ * totalAngle(); }
 
   ZEPK_DB_CURVE_GEOMETRY;
+  ZEPK_DB_TRANSFORM;
+  Acad::ErrorStatus getTransformedCopy(const AcGeMatrix3d& xform, AcDbEntity*& pEnt) const override;
   ZEPK_DB_ENTITY_FILERS;
   // The circle's part of an arc.
   static const zepk::db::ClassSchema& circleSchema();
@@ -458,6 +482,7 @@ class AcDbPoint : public AcDbEntity {
   double ecsRotation() const { return ecsRotation_; }
   Acad::ErrorStatus setEcsRotation(double a);
 
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  private:
@@ -485,6 +510,7 @@ class AcDbFace : public AcDbEntity {
   Acad::ErrorStatus makeEdgeVisibleAt(Adesk::UInt16 index);
   Acad::ErrorStatus makeEdgeInvisibleAt(Adesk::UInt16 index);
 
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  private:
@@ -510,6 +536,7 @@ class AcDbSolid : public AcDbEntity {
   AcGeVector3d normal() const { return normal_; }
   Acad::ErrorStatus setNormal(const AcGeVector3d& n);
 
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  private:
@@ -532,6 +559,7 @@ class AcDbTrace : public AcDbEntity {
   AcGeVector3d normal() const { return normal_; }
   Acad::ErrorStatus setNormal(const AcGeVector3d& n);
 
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  private:
@@ -590,6 +618,7 @@ class AcDbText : public AcDbEntity {
   std::u16string textStyleName() const;
   Acad::ErrorStatus setTextStyleName(const ACHAR* name);
 
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
   // The second part, under the second "AcDbText" marker.
   static const zepk::db::ClassSchema& alignmentSchema();
@@ -751,6 +780,10 @@ class AcDbBlockReference : public AcDbEntity {
   AcDbObjectIterator* attributeIterator() const;
   Acad::ErrorStatus openSequenceEnd(AcDbSequenceEnd*& pSeqEnd, AcDb::OpenMode mode);
 
+  ZEPK_DB_TRANSFORM;
+  // The block's entities placed as the reference shows them, and its
+  // attributes as texts.
+  Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const override;
   ZEPK_DB_ENTITY_FILERS;
 
  protected:
@@ -868,6 +901,7 @@ class AcDb3dPolylineVertex : public AcDbVertex {
   Acad::ErrorStatus setPosition(const AcGePoint3d& p);
   Adesk::Int16 flags() const { return flags_; }
 
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  private:
@@ -885,6 +919,7 @@ class AcDbPolygonMeshVertex : public AcDbVertex {
   Acad::ErrorStatus setPosition(const AcGePoint3d& p);
   Adesk::Int16 flags() const { return flags_; }
 
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  private:
@@ -900,6 +935,7 @@ class AcDbPolyFaceMeshVertex : public AcDbVertex {
   AcGePoint3d position() const { return position_; }
   Acad::ErrorStatus setPosition(const AcGePoint3d& p);
 
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  private:
@@ -1004,6 +1040,7 @@ class AcDb2dPolyline : public AcDbCurve {
 
   ZEPK_DB_CURVE_GEOMETRY;
   Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const override;
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  protected:
@@ -1048,6 +1085,7 @@ class AcDb3dPolyline : public AcDbCurve {
 
   ZEPK_DB_CURVE_GEOMETRY;
   Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const override;
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  protected:
@@ -1090,6 +1128,7 @@ class AcDbPolygonMesh : public AcDbEntity {
   AcDbObjectIterator* vertexIterator() const;
   Acad::ErrorStatus openSequenceEnd(AcDbSequenceEnd*& pSeqEnd, AcDb::OpenMode mode);
 
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  protected:
@@ -1120,6 +1159,7 @@ class AcDbPolyFaceMesh : public AcDbEntity {
   AcDbObjectIterator* vertexIterator() const;
   Acad::ErrorStatus openSequenceEnd(AcDbSequenceEnd*& pSeqEnd, AcDb::OpenMode mode);
 
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  protected:

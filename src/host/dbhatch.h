@@ -159,6 +159,7 @@ class AcDbHatch : public AcDbEntity {
   const AcGePoint2dArray& seedPoints() const { return seeds_; }
   Acad::ErrorStatus setSeedPoints(const AcGePoint2dArray& points);
 
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  private:

@@ -325,6 +325,11 @@ class AcDbDatabase : public AcRxObject {
   void endUndoMark();
   bool undoBack();
   int undoMarkCount() const;
+  // Redo: puts back what the last undoBack took back (objects as they
+  // were, objects added under the mark), and the mark with it. Marks taken
+  // back are kept until a new mark begins. False when there is none.
+  bool redoForward();
+  int redoCount() const;
 
   // The drawing's roots: its symbol tables and its named objects
   // dictionary, null in a database that has none (see host/dbsymtb.h and

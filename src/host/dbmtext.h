@@ -72,6 +72,7 @@ class AcDbMText : public AcDbEntity {
   AcCmTransparency backgroundTransparency() const;
   Acad::ErrorStatus setBackgroundTransparency(const AcCmTransparency& t);
 
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  private:

@@ -95,6 +95,7 @@ class AcDbPolyline : public AcDbCurve {
 
   ZEPK_DB_CURVE_GEOMETRY;
   Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const override;
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  protected:

@@ -18,6 +18,7 @@ class AcDbRay : public AcDbCurve {
   Acad::ErrorStatus setSecondPoint(const AcGePoint3d& p) { return setUnitDir(p - basePoint_); }
 
   ZEPK_DB_CURVE_GEOMETRY;
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  private:

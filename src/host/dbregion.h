@@ -67,8 +67,9 @@ class AcDbRegion : public AcDbEntity {
   // into this one; the other is left empty. Arcs stay arcs.
   Acad::ErrorStatus booleanOper(AcDb::BoolOperType operation, AcDbRegion* otherRegion);
   // The region's edges as lines and arcs (the caller owns them).
-  Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const;
+  Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const override;
 
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
   // The modeller's part ("AcDbModelerGeometry").
   static const zepk::db::ClassSchema& modelerSchema();

@@ -78,6 +78,7 @@ class AcDbSpline : public AcDbCurve {
   Acad::ErrorStatus purgeFitData();
 
   ZEPK_DB_CURVE_GEOMETRY;
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  private:

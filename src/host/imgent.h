@@ -53,6 +53,7 @@ class AcDbRasterImage : public AcDbEntity {
   Adesk::Int8 fade() const { return static_cast<Adesk::Int8>(fade_); }
   Acad::ErrorStatus setFade(Adesk::Int8 value);
 
+  ZEPK_DB_TRANSFORM;
   ZEPK_DB_ENTITY_FILERS;
 
  protected:

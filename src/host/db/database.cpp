@@ -61,6 +61,13 @@ struct AcDbDatabase::Impl {
   std::unordered_map<uint64_t, AcDbStub*> byHandle;
   mutable std::vector<AcDbDatabaseReactor*> reactors;
   std::vector<zepk::db::UndoMark> marks;
+  // Marks taken back, newest last, each with the state its objects had
+  // before it was taken back; a new mark forgets them.
+  struct Redo {
+    zepk::db::UndoMark mark;
+    std::vector<zepk::db::UndoRecord> after;
+  };
+  std::vector<Redo> redo;
   int openMarks = 0;
   std::vector<zepk::db::HeaderVar> header;
   // The message of the last failed readDwgFile or saveAs.
@@ -189,7 +196,10 @@ void AcDbDatabase::removeReactor(AcDbDatabaseReactor* r) const {
 // ---------------------------------------------------------------- undo
 
 void AcDbDatabase::beginUndoMark() {
-  if (impl_->openMarks++ == 0) impl_->marks.emplace_back();
+  if (impl_->openMarks++ == 0) {
+    impl_->marks.emplace_back();
+    impl_->redo.clear();
+  }
 }
 
 void AcDbDatabase::endUndoMark() {
@@ -200,13 +210,39 @@ int AcDbDatabase::undoMarkCount() const { return static_cast<int>(impl_->marks.s
 
 bool AcDbDatabase::undoBack() {
   if (impl_->marks.empty() || impl_->openMarks > 0) return false;
-  zepk::db::UndoMark mark = std::move(impl_->marks.back());
+  Impl::Redo redo;
+  redo.mark = std::move(impl_->marks.back());
   impl_->marks.pop_back();
+  const zepk::db::UndoMark& mark = redo.mark;
+  // What the objects are now, to come back to on redo.
+  for (const zepk::db::UndoRecord& r : mark.records) {
+    if (!r.stub->object) continue;
+    zepk::db::UndoRecord now;
+    now.stub = r.stub;
+    now.erased = r.stub->erased;
+    now.state = std::make_shared<zepk::db::MemoryDwgFiler>(AcDb::kUndoFiler, this);
+    r.stub->object->dwgOutFields(now.state.get());
+    redo.after.push_back(std::move(now));
+  }
   // Objects added under the mark are taken back: erased, silently.
   for (auto it = mark.added.rbegin(); it != mark.added.rend(); ++it) (*it)->erased = true;
   for (auto it = mark.records.rbegin(); it != mark.records.rend(); ++it) zepk::db::restoreRecord(*it);
+  impl_->redo.push_back(std::move(redo));
   return true;
 }
+
+bool AcDbDatabase::redoForward() {
+  if (impl_->redo.empty() || impl_->openMarks > 0) return false;
+  Impl::Redo redo = std::move(impl_->redo.back());
+  impl_->redo.pop_back();
+  for (AcDbStub* s : redo.mark.added) s->erased = false;
+  for (const zepk::db::UndoRecord& r : redo.after) zepk::db::restoreRecord(r);
+  // Undone again by the same mark.
+  impl_->marks.push_back(std::move(redo.mark));
+  return true;
+}
+
+int AcDbDatabase::redoCount() const { return static_cast<int>(impl_->redo.size()); }
 
 namespace zepk::db {
 

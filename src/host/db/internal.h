@@ -76,6 +76,9 @@ struct AcDbObjectAccess {
   static AcDbStub* stub(const AcDbObject* o) { return o->stub_; }
   // Tells the original's reactors (transient, then persistent) of its copy.
   static void sendCopied(AcDbObject* original, AcDbObject* copy);
+  // Drops what a copy made outside any database must not share with its
+  // original: owner, extension dictionary, persistent reactors.
+  static void detachCopy(AcDbObject* copy);
 };
 
 struct AcDbDatabaseAccess {

@@ -13,6 +13,7 @@
 #include "host/dbents.h"
 #include "host/dbidmap.h"
 #include "host/dbsymtb.h"
+#include "host/editor/cmd_common.h"
 #include "host/editor/commands.h"
 #include "host/editor/input.h"
 #include "host/editor/sysvars.h"
@@ -25,8 +26,11 @@
 namespace zepk::editor {
 
 namespace {
-
 Commands& cmds() { return Commands::get(); }
+}  // namespace
+
+namespace cmd {
+
 AcDbDatabase* db() { return acdbHostApplicationServices()->workingDatabase(); }
 
 void say(const std::string& utf8) { cmds().print(utf8); }
@@ -48,32 +52,23 @@ double sysReal(const char16_t* name, double fallback) {
   return v.kind == SysValue::Real ? v.r : v.kind == SysValue::Int ? v.i : fallback;
 }
 
+int sysInt(const char16_t* name, int fallback) {
+  SysValue v;
+  return getSysVar(name, &v) && v.kind == SysValue::Int ? v.i : fallback;
+}
+
 std::string fmt(double v) {
   char buf[64];
   std::snprintf(buf, sizeof buf, "%.4f", v);
   return buf;
 }
 
-// Adds an entity to model space with the current layer, linetype and
-// colour. Takes ownership; null id on failure.
-AcDbObjectId addEntity(AcDbEntity* e) {
+AcDbObjectId appendEntity(AcDbEntity* e) {
   AcDbObjectId id;
   AcDbDatabase* d = db();
   if (!d) {
     delete e;
     return id;
-  }
-  e->setDatabaseDefaults(d);
-  std::u16string layer = sysString(u"CLAYER");
-  if (!layer.empty()) e->setLayer(layer.c_str());
-  std::u16string lt = sysString(u"CELTYPE");
-  if (!lt.empty()) e->setLinetype(lt.c_str());
-  std::u16string color = upper(sysString(u"CECOLOR"));
-  if (color == u"BYBLOCK") {
-    e->setColorIndex(0);
-  } else if (!color.empty() && color != u"BYLAYER") {
-    int index = std::atoi(sys::toUtf8(color).c_str());
-    if (index >= 1 && index <= 255) e->setColorIndex(static_cast<Adesk::UInt16>(index));
   }
   AcDbBlockTable* table = nullptr;
   AcDbBlockTableRecord* space = nullptr;
@@ -90,6 +85,78 @@ AcDbObjectId addEntity(AcDbEntity* e) {
   e->close();
   return id;
 }
+
+AcDbObjectId addEntity(AcDbEntity* e) {
+  AcDbDatabase* d = db();
+  if (!d) {
+    delete e;
+    return AcDbObjectId();
+  }
+  e->setDatabaseDefaults(d);
+  std::u16string layer = sysString(u"CLAYER");
+  if (!layer.empty()) e->setLayer(layer.c_str());
+  std::u16string lt = sysString(u"CELTYPE");
+  if (!lt.empty()) e->setLinetype(lt.c_str());
+  std::u16string color = upper(sysString(u"CECOLOR"));
+  if (color == u"BYBLOCK") {
+    e->setColorIndex(0);
+  } else if (!color.empty() && color != u"BYLAYER") {
+    int index = std::atoi(sys::toUtf8(color).c_str());
+    if (index >= 1 && index <= 255) e->setColorIndex(static_cast<Adesk::UInt16>(index));
+  }
+  return appendEntity(e);
+}
+
+int transformEntities(const std::vector<AcDbObjectId>& ids, const AcGeMatrix3d& m) {
+  int refused = 0;
+  for (const AcDbObjectId& id : ids) {
+    AcDbEntity* e = nullptr;
+    if (acdbOpenObject(e, id, AcDb::kForWrite) != Acad::eOk) {
+      ++refused;
+      continue;
+    }
+    if (e->transformBy(m) != Acad::eOk) ++refused;
+    e->close();
+  }
+  return refused;
+}
+
+std::vector<AcDbObjectId> copyEntities(const std::vector<AcDbObjectId>& ids) {
+  std::vector<AcDbObjectId> copies;
+  AcDbDatabase* d0 = db();
+  AcDbBlockTable* table = nullptr;
+  AcDbObjectId space;
+  if (!d0 || d0->getBlockTable(table, AcDb::kForRead) != Acad::eOk) return copies;
+  table->getAt(ACDB_MODEL_SPACE, space);
+  table->close();
+  AcDbIdMapping map;
+  if (d0->deepCloneObjects(ids, space, map) != Acad::eOk) return copies;
+  for (const AcDbObjectId& id : ids) {
+    AcDbIdPair pair(id, AcDbObjectId(), false);
+    if (map.compute(pair) && pair.isCloned()) copies.push_back(pair.value());
+  }
+  return copies;
+}
+
+void eraseEntities(const std::vector<AcDbObjectId>& ids) {
+  for (const AcDbObjectId& id : ids) {
+    AcDbEntity* e = nullptr;
+    if (acdbOpenObject(e, id, AcDb::kForWrite) != Acad::eOk) continue;
+    e->erase();
+    e->close();
+  }
+}
+
+int& undoneByLastCommand() {
+  static int n = 0;
+  return n;
+}
+
+}  // namespace cmd
+
+namespace {
+
+using namespace cmd;
 
 // --------------------------------------------------------------- drawing
 
@@ -181,7 +248,9 @@ void cmdText() {
 
 // "Select objects:" until Enter: entity names, sets, "L", "ALL", "P".
 // False when cancelled.
-bool selectObjects(std::vector<AcDbObjectId>* out) {
+}  // namespace
+
+bool cmd::selectObjects(std::vector<AcDbObjectId>* out) {
   for (;;) {
     Answer a;
     if (cmds().next(u"\nSelect objects: ", false, &a) != RTNORM) return false;
@@ -240,52 +309,14 @@ bool selectObjects(std::vector<AcDbObjectId>* out) {
   }
 }
 
+namespace {
+
+using namespace cmd;
+
 void cmdErase() {
   std::vector<AcDbObjectId> ids;
   if (!selectObjects(&ids)) return;
-  for (const AcDbObjectId& id : ids) {
-    AcDbEntity* e = nullptr;
-    if (acdbOpenObject(e, id, AcDb::kForWrite) != Acad::eOk) continue;
-    e->erase();
-    e->close();
-  }
-}
-
-// Moves entities by a displacement through their data lists: world points
-// move by it, points in the entity's own system by it seen in that system.
-void moveBy(const std::vector<AcDbObjectId>& ids, const double d[3]) {
-  for (const AcDbObjectId& id : ids) {
-    ads_name en;
-    if (acdbGetAdsName(en, id) != Acad::eOk) continue;
-    resbuf* list = acdbEntGet(en);
-    if (!list) continue;
-    std::u16string type;
-    double normal[3] = {0, 0, 1};
-    for (resbuf* p = list; p; p = p->rbnext) {
-      if (p->restype == 0 && p->resval.rstring) type = p->resval.rstring;
-      if (p->restype == 210)
-        for (int i = 0; i < 3; ++i) normal[i] = p->resval.rpoint[i];
-    }
-    bool world = type == u"LINE" || type == u"POINT" || type == u"3DFACE" || type == u"ELLIPSE" ||
-                 type == u"SPLINE" || type == u"MTEXT" || type == u"XLINE" || type == u"RAY" ||
-                 type == u"LEADER" || type == u"MLINE";
-    double v[3] = {d[0], d[1], d[2]};
-    if (!world) acdbWcs2Ecs(d, v, normal, true);
-    for (resbuf* p = list; p; p = p->rbnext) {
-      short c = p->restype;
-      bool pointGroup = (c >= 10 && c <= 18);
-      if (type == u"SPLINE" || type == u"ELLIPSE" || type == u"XLINE" || type == u"RAY")
-        pointGroup = c == 10 || c == 11 && type == u"SPLINE";
-      if (type == u"MTEXT") pointGroup = c == 10;
-      if (pointGroup) {
-        for (int i = 0; i < 3; ++i) p->resval.rpoint[i] += v[i];
-      } else if (c == 38 && type == u"LWPOLYLINE") {
-        p->resval.rreal += v[2];
-      }
-    }
-    acdbEntMod(list);
-    acutRelRb(list);
-  }
+  eraseEntities(ids);
 }
 
 bool displacement(double d[3]) {
@@ -308,12 +339,14 @@ bool displacement(double d[3]) {
   return true;
 }
 
+AcGeMatrix3d moving(const double d[3]) { return AcGeMatrix3d::translation(AcGeVector3d(d[0], d[1], d[2])); }
+
 void cmdMove() {
   std::vector<AcDbObjectId> ids;
   if (!selectObjects(&ids) || ids.empty()) return;
   double d[3];
   if (!displacement(d)) return;
-  moveBy(ids, d);
+  transformEntities(ids, moving(d));
 }
 
 void cmdCopy() {
@@ -321,20 +354,7 @@ void cmdCopy() {
   if (!selectObjects(&ids) || ids.empty()) return;
   double d[3];
   if (!displacement(d)) return;
-  AcDbDatabase* d0 = db();
-  AcDbBlockTable* table = nullptr;
-  AcDbObjectId space;
-  if (d0->getBlockTable(table, AcDb::kForRead) != Acad::eOk) return;
-  table->getAt(ACDB_MODEL_SPACE, space);
-  table->close();
-  AcDbIdMapping map;
-  if (d0->deepCloneObjects(ids, space, map) != Acad::eOk) return;
-  std::vector<AcDbObjectId> copies;
-  for (const AcDbObjectId& id : ids) {
-    AcDbIdPair pair(id, AcDbObjectId(), false);
-    if (map.compute(pair) && pair.isCloned()) copies.push_back(pair.value());
-  }
-  moveBy(copies, d);
+  transformEntities(copyEntities(ids), moving(d));
 }
 
 // ----------------------------------------------------------------- files
@@ -383,10 +403,28 @@ void makeCurrent(AcDbDatabase* d, const std::u16string& path) {
   addDocument(std::unique_ptr<AcDbDatabase>(d), path);
 }
 
+// NEW: a drawing made from a template drawing (a DXF file), or with "."
+// (and Enter) a new drawing of the host's own defaults. The new drawing
+// has no file of its own yet.
 void cmdNew() {
   std::u16string templ;
   if (getString(true, u"\nEnter template file name or [. (for none)] <.>: ", &templ) != RTNORM) return;
-  makeCurrent(new AcDbDatabase(true), u"");
+  if (templ.empty() || templ == u".") {
+    makeCurrent(new AcDbDatabase(true), u"");
+    return;
+  }
+  auto d = std::make_unique<AcDbDatabase>(false);
+  Acad::ErrorStatus es = d->readDwgFile(templ.c_str());
+  if (es != Acad::eOk && !endsWithDxf(templ)) {
+    d = std::make_unique<AcDbDatabase>(false);
+    es = d->readDwgFile((templ + u".dxf").c_str());
+  }
+  if (es != Acad::eOk) {
+    std::string msg = d->lastFileError();
+    say((msg.empty() ? "Cannot open template " + sys::toUtf8(templ) : msg) + "\n");
+    return;
+  }
+  makeCurrent(d.release(), u"");
 }
 
 void cmdOpen() {
@@ -525,6 +563,7 @@ void undoSteps(int n) {
   int done = 0;
   while (done < n && db()->undoMarkCount() > 0 && db()->undoBack()) ++done;
   if (done == 0) say("Everything has been undone\n");
+  undoneByLastCommand() = done;
 }
 
 void cmdU() { undoSteps(1); }
@@ -546,16 +585,17 @@ void cmdUndo() {
       marks().push_back(db()->undoMarkCount());
       return;
     }
+    int done = 0;
     if (marks().empty()) {
-      while (db()->undoMarkCount() > 0 && db()->undoBack()) {
-      }
+      while (db()->undoMarkCount() > 0 && db()->undoBack()) ++done;
       say("Everything has been undone\n");
+      undoneByLastCommand() = done;
       return;
     }
     int target = marks().back();
     marks().pop_back();
-    while (db()->undoMarkCount() > target && db()->undoBack()) {
-    }
+    while (db()->undoMarkCount() > target && db()->undoBack()) ++done;
+    undoneByLastCommand() = done;
     return;
   }
   if (st != RTNORM && st != RTNONE) return;
@@ -719,6 +759,9 @@ void registerBuiltinCommands() {
     if (std::u16string(r.name) == u"ID") d.flags = ACRX_CMD_TRANSPARENT;
     Commands::get().add(d);
   }
+  registerModifyCommands();
+  registerDrawCommands();
+  registerViewCommands();
 }
 
 }  // namespace zepk::editor

@@ -9,6 +9,17 @@ namespace zepk::editor {
 
 using lisp::Value;
 
+namespace {
+
+// The last command run from the command line: Enter at "Command: " runs it
+// again, in scripts too.
+std::u16string& lastCommandName() {
+  static std::u16string name;
+  return name;
+}
+
+}  // namespace
+
 int CommandLine::openParens(const std::u16string& t) {
   int depth = 0;
   bool inString = false;
@@ -68,8 +79,19 @@ void CommandLine::feed(const std::string& utf8Line, bool echo) {
   std::u16string text = sys::fromUtf8(line);
   size_t first = text.find_first_not_of(u" \t");
   if (pending_.empty()) {
-    if (first == std::u16string::npos) return;  // an empty line ends nothing yet
-    if (text[first] == u';') return;            // a comment line
+    if (first == std::u16string::npos) {
+      // Enter repeats the last command.
+      if (lastCommandName().empty()) return;
+      if (echo) {
+        in_.out().freshLine();
+        in_.out().write(prompt());
+        in_.out().write(std::u16string_view(lastCommandName()));
+        in_.out().write(std::string_view("\n"));
+      }
+      runCommand(std::u16string(lastCommandName()));
+      return;
+    }
+    if (text[first] == u';') return;  // a comment line
   }
   bool command = pending_.empty() && text[first] != u'(' && text[first] != u'\'' && text[first] != u'!';
   if (command) {
@@ -85,7 +107,9 @@ void CommandLine::feed(const std::string& utf8Line, bool echo) {
     }
     Commands& c = Commands::get();
     if (end != std::u16string::npos) c.setLine(text.substr(end + 1));
-    runCommand(name);
+    // An unknown name is not remembered.
+    if (c.run(name) != RTERROR) lastCommandName() = name;
+    in_.runQueued();
     std::u16string rest;
     if (c.takeLineRest(&rest) && rest.find_first_not_of(u" \t") != std::u16string::npos)
       feed(sys::toUtf8(rest.substr(rest.find_first_not_of(u" \t"))), echo);

@@ -8,6 +8,7 @@
 #include "host/dbapserv.h"
 #include "host/editor/sysvars.h"
 #include "host/lisp/interp.h"
+#include "host/lisp/units.h"
 #include "host/system/utf.h"
 
 namespace zepk::editor {
@@ -311,9 +312,21 @@ bool parsePoint(std::u16string_view s, const double last[3], double out[3]) {
   }
   size_t lt = s.find(u'<');
   if (lt != std::u16string_view::npos) {
-    double d, a;
-    if (!parseReal(s.substr(0, lt), &d) || !parseReal(s.substr(lt + 1), &a)) return false;
-    a = a * M_PI / 180.0;
+    // The direction in the drawing's angle units, from ANGBASE in the
+    // sense of ANGDIR.
+    double d;
+    if (!parseReal(s.substr(0, lt), &d)) return false;
+    std::u16string_view at = s.substr(lt + 1);
+    bool neg = !at.empty() && at[0] == u'-';
+    if (neg) at.remove_prefix(1);
+    SysValue units, angBase, dir;
+    getSysVar(u"AUNITS", &units);
+    getSysVar(u"ANGBASE", &angBase);
+    getSysVar(u"ANGDIR", &dir);
+    std::optional<double> typed = at.empty() ? std::nullopt : lisp::parseAngle(at, units.i);
+    if (!typed) return false;
+    double a = neg ? -*typed : *typed;
+    a = (angBase.kind == SysValue::Real ? angBase.r : 0) + (dir.i == 1 ? -a : a);
     out[0] = base[0] + d * std::cos(a);
     out[1] = base[1] + d * std::sin(a);
     out[2] = base[2];

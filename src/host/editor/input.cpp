@@ -7,6 +7,7 @@
 #include "host/editor/commands.h"
 #include "host/editor/input.h"
 #include "host/editor/sysvars.h"
+#include "host/lisp/units.h"
 
 namespace zepk::editor {
 
@@ -117,6 +118,30 @@ int common(const InitGet& g, const std::u16string& prompt, bool text, Answer* a)
     }
   }
   return RTNORM;
+}
+
+int angleSysInt(const char16_t* name) {
+  SysValue v;
+  return getSysVar(name, &v) && v.kind == SysValue::Int ? v.i : 0;
+}
+
+double angleSysReal(const char16_t* name) {
+  SysValue v;
+  if (!getSysVar(name, &v)) return 0;
+  return v.kind == SysValue::Real ? v.r : v.kind == SysValue::Int ? v.i : 0;
+}
+
+// An angle typed in the drawing's units (AUNITS), counted in the sense of
+// ANGDIR from ANGBASE; radians counter-clockwise from ANGBASE.
+bool typedAngle(std::u16string_view text, double* out) {
+  bool neg = !text.empty() && text[0] == u'-';
+  if (neg) text.remove_prefix(1);
+  if (text.empty()) return false;
+  std::optional<double> v = lisp::parseAngle(text, angleSysInt(u"AUNITS"));
+  if (!v) return false;
+  double a = neg ? -*v : *v;
+  *out = angleSysInt(u"ANGDIR") == 1 ? -a : a;
+  return true;
 }
 
 }  // namespace
@@ -239,12 +264,14 @@ int getAngle(const double* base, const std::u16string& prompt, double* out) {
     bool ok = false;
     if (a.kind == Answer::Real || a.kind == Answer::Int) {
       v = (a.kind == Answer::Real ? a.r : a.i) * M_PI / 180.0, ok = true;
-    } else if (a.kind == Answer::Text && parseReal(a.text, &v)) {
-      v = v * M_PI / 180.0, ok = true;
+      if (angleSysInt(u"ANGDIR") == 1) v = -v;
+    } else if (a.kind == Answer::Text && typedAngle(a.text, &v)) {
+      ok = true;
     } else if (base && (a.kind == Answer::Point || (a.kind == Answer::Text && parsePoint(a.text, base, p)))) {
       if (a.kind == Answer::Point)
         for (int i = 0; i < 3; ++i) p[i] = a.p[i];
-      v = std::atan2(p[1] - base[1], p[0] - base[0]), ok = true;
+      // A direction shown by a point counts from ANGBASE too.
+      v = std::atan2(p[1] - base[1], p[0] - base[0]) - angleSysReal(u"ANGBASE"), ok = true;
     }
     if (!ok) {
       message("Requires valid numeric angle or second point.");

@@ -172,6 +172,10 @@ const std::vector<Def>& table() {
     v.push_back(withRule(text("CTAB", false, nullptr, 0, u"Model"), Rule::Layout));
     v.push_back(ranged("DIMZIN", false, u"$DIMZIN", 70, 0, 0, 15));
     v.push_back(ranged("UNITMODE", false, u"$UNITMODE", 70, 0, 0, 1));
+    v.push_back(ranged("ATTREQ", false, u"$ATTREQ", 70, 1, 0, 1));
+    v.push_back(ranged("ATTDIA", false, nullptr, 0, 0, 0, 1));
+    v.push_back(ranged("MIRRTEXT", false, u"$MIRRTEXT", 70, 0, 0, 1));
+    v.push_back(text("INSNAME", false, nullptr, 0, u""));
     return v;
   }();
   return t;
@@ -514,6 +518,11 @@ SetStatus setSysVar(std::u16string_view name, const SysValue& value) {
   return st;
 }
 
+SetStatus setSysVarByHost(std::u16string_view name, const SysValue& value) {
+  const Def* d = find(name);
+  if (!d) return SetStatus::Unknown;
+  return setValue(d, value);
+}
 
 std::vector<std::u16string> sysVarNames() {
   std::vector<std::u16string> out;

@@ -55,6 +55,9 @@ bool getSysVar(std::u16string_view name, SysValue* out);
 
 enum class SetStatus { Ok, Unknown, ReadOnly, Refused };
 SetStatus setSysVar(std::u16string_view name, const SysValue& value);
+// The same for the host's own commands, which also set read-only
+// variables (VIEWCTR, VIEWSIZE, EXTMIN, EXTMAX).
+SetStatus setSysVarByHost(std::u16string_view name, const SysValue& value);
 
 // Every name the table holds, in upper case, in table order.
 std::vector<std::u16string> sysVarNames();
