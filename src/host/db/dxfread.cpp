@@ -176,7 +176,21 @@ class Reader {
   bool r12_;
   std::string error_;
 
-  std::unordered_map<uint64_t, int> handleLines_;  // handle -> line of its record
+  // The line of each record made, by handle, in the order made: looked up
+  // only for messages, so a list (no node for each) is enough.
+  std::vector<std::pair<uint64_t, int>> handleLines_;
+  bool handleLinesSorted_ = false;  // once every record is made, for many look-ups
+  // The line of the first record made with this handle, or 0.
+  int handleLine(uint64_t handle) const {
+    if (handleLinesSorted_) {
+      auto it = std::lower_bound(handleLines_.begin(), handleLines_.end(), std::make_pair(handle, 0),
+                                 [](const auto& a, const auto& b) { return a.first < b.first; });
+      return it != handleLines_.end() && it->first == handle ? it->second : 0;
+    }
+    for (const auto& [h, line] : handleLines_)
+      if (h == handle) return line;
+    return 0;
+  }
   std::map<std::u16string, DxfClassRecord> classes_;  // by DXF name
   std::map<std::u16string, AcDbObjectId> tables_;     // "LAYER" -> table
   std::map<std::u16string, AcDbObjectId> blockRecords_;  // upper-case name -> record
@@ -184,7 +198,6 @@ class Reader {
   std::vector<AcDbObjectId> objectsInOrder_;  // the OBJECTS section
   std::vector<AcDbObjectId> entityOwners_;    // the owner of each top-level entity of a run
   std::vector<DxfItem> spareItems_;            // room for the next record's items
-  std::vector<DxfItem> spareFiler_;            // room for the next object's filer
   int polylineFlags_ = 0;                      // of the polyline being read (R12 vertices)
 };
 
@@ -349,14 +362,14 @@ bool Reader::addToDatabase(AcDbObject* obj, const Record& rec, AcDbObjectId& id)
   Acad::ErrorStatus es = rec.handle ? db_->addAcDbObjectWithHandle(id, obj, AcDbHandle(rec.handle))
                                     : db_->addAcDbObject(id, obj);
   if (es == Acad::eOk) {
-    handleLines_.emplace(id.handle().value(), rec.line);
+    handleLines_.emplace_back(id.handle().value(), rec.line);
     return true;
   }
   delete obj;
   if (es == Acad::eHandleInUse) {
-    auto it = handleLines_.find(rec.handle);
+    const int at = handleLine(rec.handle);
     return fail(rec.line, "the handle " + handleText(rec.handle) + " of " + rec.name + " is already used" +
-                              (it != handleLines_.end() ? " by the record at line " + std::to_string(it->second) : ""));
+                              (at != 0 ? " by the record at line " + std::to_string(at) : ""));
   }
   return fail(rec.line, "cannot add " + rec.name + " to the drawing");
 }
@@ -409,18 +422,21 @@ AcDbObjectId Reader::makeObject(Record& rec, Place place, AcDbObjectId owner) {
   AcDbObjectId id;
   if (!addToDatabase(obj, rec, id)) return {};
   const uint64_t handle = id.handle().value();
+  // The record's items go to the filer and come back after it, as they
+  // were: a reader that reorders them leaves a copy of the originals.
   auto readInto = [&](AcDbObject* o, Acad::ErrorStatus* es) {
     MemoryDxfFiler f(AcDb::kFileFiler, db_);
-    f.items().swap(spareFiler_);
-    f.items().assign(rec.items.begin(), rec.items.end());
+    f.items().swap(rec.items);
+    std::vector<DxfItem> original;
+    f.keepOriginalIn(&original);
     *es = o->dxfInFields(&f);
     int stopped = -1;
     if (*es == Acad::eOk && !f.atEOF()) {
       *es = Acad::eInvalidDxfCode;
       stopped = static_cast<int>(f.position());
     }
-    f.items().clear();
-    if (f.items().capacity() > spareFiler_.capacity()) f.items().swap(spareFiler_);
+    if (f.reordered()) rec.items = std::move(original);
+    else rec.items.swap(f.items());
     return stopped;
   };
   Acad::ErrorStatus es;
@@ -865,9 +881,12 @@ bool Reader::linkComplexes() {
   for (const Complex& c : complexes_) {
     Acad::ErrorStatus es = linkParts(c.parent, c.children, c.seqend);
     if (es != Acad::eOk) {
-      int line = 0;
-      auto it = handleLines_.find(c.parent.handle().value());
-      if (it != handleLines_.end()) line = it->second;
+      if (!handleLinesSorted_) {
+        std::stable_sort(handleLines_.begin(), handleLines_.end(),
+                         [](const auto& a, const auto& b) { return a.first < b.first; });
+        handleLinesSorted_ = true;
+      }
+      const int line = handleLine(c.parent.handle().value());
       warn(line, "the vertices or attributes of this entity could not join it (status " + std::to_string(es) + ")");
     }
   }

@@ -128,6 +128,8 @@ class Writer {
   std::unordered_map<const AcRxClass*, std::string> typeTexts_;
   std::string proxyType_;
   std::string text_;      // utf8()'s result
+  AcDbObjectIdArray all_;  // every object in handle order, as classes() found them
+  uint64_t allSeed_ = 0;   // the next handle then
   bool streaming_ = false;
 };
 
@@ -283,7 +285,9 @@ bool Writer::classes() {
       sample[n] = o;
     }
   };
-  const AcDbObjectIdArray all = db_->allObjects();
+  all_ = db_->allObjects();
+  allSeed_ = db_->handseed().value();
+  const AcDbObjectIdArray& all = all_;
   for (size_t k = 0; k < all.size(); ++k) {
     AcDbObjectId id = all[k];
     if (id.isErased()) continue;
@@ -454,7 +458,9 @@ bool Writer::objects() {
   beginSection("OBJECTS");
   AcDbObjectId nod = db_->namedObjectsDictionaryId();
   if (AcDbObject* o = peekObject(nod); o && !nod.isErased() && !object(o)) return false;
-  for (AcDbObjectId id : db_->allObjects()) {
+  // The objects as classes() listed them, unless some were added since.
+  if (db_->handseed().value() != allSeed_) all_ = db_->allObjects();
+  for (AcDbObjectId id : all_) {
     if (id == nod || id.isErased()) continue;
     AcDbObject* o = peekObject(id);
     if (!o || AcDbEntity::cast(o) || AcDbSymbolTable::cast(o) || AcDbSymbolTableRecord::cast(o)) continue;

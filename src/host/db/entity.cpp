@@ -363,17 +363,27 @@ Field sequencePart() {
 
 namespace {
 
-// Counts by group code: a part has a few codes, so a short list beats a map.
+// Counts by group code: a part has a few codes, so a short list beats a
+// map; the list lives on the stack until a part has more codes than it holds.
 class CodeCounts {
  public:
   int& operator[](int code) {
-    for (auto& [c, n] : counts_)
+    for (size_t i = 0; i < n_; ++i)
+      if (local_[i].first == code) return local_[i].second;
+    for (auto& [c, n] : more_)
       if (c == code) return n;
-    return counts_.emplace_back(code, 0).second;
+    if (n_ < kLocal) {
+      local_[n_] = {code, 0};
+      return local_[n_++].second;
+    }
+    return more_.emplace_back(code, 0).second;
   }
 
  private:
-  std::vector<std::pair<int, int>> counts_;
+  static constexpr size_t kLocal = 32;
+  std::pair<int, int> local_[kLocal];
+  size_t n_ = 0;
+  std::vector<std::pair<int, int>> more_;
 };
 
 bool knows(const ClassSchema& s, int code) {
@@ -409,25 +419,133 @@ const PartState* stateOf(const AcDbEntity* e, const ClassSchema* s) {
 // Which fields the groups held, when that changes what is written: a field
 // with its default value that the file held (an optional one would be left
 // out), or one the file did not hold (a required one would be written).
-std::vector<signed char> presenceOf(const ClassSchema& s, const AcDbEntity* e, const std::vector<DxfItem>& span,
-                                    const std::vector<char>& isExtra) {
-  CodeCounts count;
-  for (size_t i = 0; i < span.size(); ++i)
-    if (!isExtra[i]) ++count[span[i].code];
-  std::vector<signed char> presence(s.fields().size(), PartState::kUnknown);
-  CodeCounts used;
-  bool matters = false;
-  for (size_t i = 0; i < s.fields().size(); ++i) {
-    const Field& fd = s.fields()[i];
+std::vector<signed char> presenceOf(const ClassSchema& s, const AcDbEntity* e, const DxfItem* span, size_t n,
+                                    const char* isExtra) {
+  // The groups of a code the part held.
+  auto held = [&](int code) {
+    int k = 0;
+    for (size_t i = 0; i < n; ++i) k += span[i].code == code && (!isExtra || !isExtra[i]);
+    return k;
+  };
+  const std::vector<Field>& fields = s.fields();
+  std::vector<signed char> presence;
+  for (size_t i = 0; i < fields.size(); ++i) {
+    const Field& fd = fields[i];
     if (fd.customDxfOut || !fd.isDefault(e)) continue;
-    // Fields of one code take its groups in turn.
-    bool held = ++used[fd.code] <= count[fd.code];
-    bool optional = fd.flags & kOptional;
-    if (held && optional) presence[i] = PartState::kInFile, matters = true;
-    if (!held && !optional) presence[i] = PartState::kNotInFile, matters = true;
+    // Fields of one code take its groups in turn: this one is the n-th of
+    // its code among the fields with their defaults.
+    int turn = 1;
+    for (size_t j = 0; j < i; ++j)
+      if (!fields[j].customDxfOut && fields[j].code == fd.code && fields[j].isDefault(e)) ++turn;
+    const bool inFile = turn <= held(fd.code);
+    const bool optional = fd.flags & kOptional;
+    signed char p = inFile && optional ? PartState::kInFile : !inFile && !optional ? PartState::kNotInFile
+                                                                                  : PartState::kUnknown;
+    if (p == PartState::kUnknown) continue;
+    // Made only when it matters, at its final size.
+    if (presence.empty()) presence.assign(fields.size(), PartState::kUnknown);
+    presence[i] = p;
   }
-  if (!matters) presence.clear();
   return presence;
+}
+
+// Reads a part whose groups [pos, end) of the filer start with its marker,
+// where they stand. A group the schema stops at is not the class's: it is
+// set aside (moved past the end the schema sees) and the part read again
+// without it. Afterwards the groups are back in their order and the filer
+// at `end`.
+Acad::ErrorStatus readPartInPlace(const ClassSchema& s, AcDbEntity* e, MemoryDxfFiler* f, size_t pos, size_t end) {
+  std::vector<DxfItem>& items = f->items();
+  const size_t limit = f->readEnd();
+  const size_t n = end - pos - 1;  // the groups after the marker
+  size_t liveEnd = end;
+  // Set up on the first group set aside: where each group the schema sees
+  // stood, and which groups are set aside. The room comes from the last
+  // part that needed it.
+  static thread_local std::vector<size_t> spareLive;
+  static thread_local std::vector<char> spareIsExtra;
+  static thread_local std::vector<DxfItem> spareOrdered;
+  std::vector<size_t> live;
+  std::vector<char> isExtra;
+  size_t extraCount = 0;
+  struct GiveBack {
+    std::vector<size_t>& live;
+    std::vector<char>& isExtra;
+    ~GiveBack() {
+      live.clear();
+      isExtra.clear();
+      if (live.capacity() > spareLive.capacity()) live.swap(spareLive);
+      if (isExtra.capacity() > spareIsExtra.capacity()) isExtra.swap(spareIsExtra);
+    }
+  } giveBack{live, isExtra};
+  // The groups back in their order, the filer after them.
+  auto finish = [&](Acad::ErrorStatus es) {
+    if (extraCount > 0) {
+      // The kept ones are in order before liveEnd, those set aside after it
+      // in reverse order.
+      std::vector<DxfItem> ordered;
+      ordered.swap(spareOrdered);
+      ordered.clear();
+      ordered.reserve(n);
+      size_t kept = pos + 1, aside = end;
+      for (size_t i = 0; i < n; ++i) ordered.push_back(std::move(items[isExtra[i] ? --aside : kept++]));
+      std::move(ordered.begin(), ordered.end(), items.begin() + static_cast<long>(pos + 1));
+      ordered.clear();
+      if (ordered.capacity() > spareOrdered.capacity()) ordered.swap(spareOrdered);
+    }
+    f->limitEnd(limit);
+    f->resetFilerStatus();
+    f->seek(end);
+    return es;
+  };
+  for (;;) {
+    f->seek(pos);
+    f->limitEnd(liveEnd);
+    Acad::ErrorStatus es = s.dxfIn(e, f);
+    if (es != Acad::eOk) return finish(es);
+    if (f->position() >= liveEnd) break;
+    const size_t p = f->position() - pos;
+    if (p == 0 || ++extraCount > kMaxExtraGroups) return finish(Acad::eMakeMeProxy);
+    if (isExtra.empty()) {
+      live.swap(spareLive);
+      isExtra.swap(spareIsExtra);
+      live.resize(n);
+      for (size_t i = 0; i < n; ++i) live[i] = i;
+      isExtra.assign(n, 0);
+    }
+    isExtra[live[p - 1]] = 1;
+    live.erase(live.begin() + static_cast<long>(p - 1));
+    std::rotate(items.begin() + static_cast<long>(pos + p), items.begin() + static_cast<long>(pos + p + 1),
+                items.begin() + static_cast<long>(liveEnd));
+    --liveEnd;
+  }
+  finish(Acad::eOk);
+
+  const DxfItem* span = items.data() + pos + 1;
+  PartState state;
+  state.schema = &s;
+  // Only a file says which groups a drawing holds; entmod's list has them
+  // all, and leaves what the file held as it was.
+  if (f->filerType() == AcDb::kFileFiler) {
+    state.presence = presenceOf(s, e, span, n, extraCount > 0 ? isExtra.data() : nullptr);
+  } else if (const PartState* before = stateOf(e, &s)) {
+    state.presence = before->presence;
+  }
+  if (extraCount > 0) {
+    state.extras.reserve(extraCount);
+    CodeCounts seen;
+    int lastCode = 100, lastOccurrence = 0;
+    for (size_t i = 0; i < n; ++i) {
+      if (!isExtra[i]) {
+        lastCode = span[i].code;
+        lastOccurrence = ++seen[lastCode];
+      } else {
+        state.extras.push_back({lastCode, lastOccurrence, span[i]});
+      }
+    }
+  }
+  setState(e, std::move(state));
+  return f->filerStatus();
 }
 
 }  // namespace
@@ -463,7 +581,15 @@ Acad::ErrorStatus dxfInPart(const ClassSchema& s, AcDbEntity* e, AcDbDxfFiler* f
   if (!f) return Acad::eNotApplicable;
   if (f->filerStatus() != Acad::eOk) return f->filerStatus();
   std::vector<DxfItem>& items = f->items();
+  const size_t count = f->readEnd();
   size_t pos = f->position();
+  // A part that starts with its marker is read where it stands.
+  if (pos < count && items[pos].code == 100) {
+    if (items[pos].kind != DxfItem::String || items[pos].s != s.marker()) return Acad::eBadDxfSequence;
+    size_t end = pos + 1;
+    while (end < count && items[end].code != 100 && items[end].code != 1001) ++end;
+    return readPartInPlace(s, e, f, pos, end);
+  }
   // The two lists this needs are taken from the last call's, so that a
   // drawing's thousands of parts do not each allocate them anew (a call
   // within a call finds them taken and makes its own).
@@ -479,17 +605,12 @@ Acad::ErrorStatus dxfInPart(const ClassSchema& s, AcDbEntity* e, AcDbDxfFiler* f
       if (list.capacity() > to.capacity()) list.swap(to);
     }
   } giveSpan{span, spareSpan};
-  if (pos < items.size() && items[pos].code == 100) {
-    if (items[pos].kind != DxfItem::String || items[pos].s != s.marker()) return Acad::eBadDxfSequence;
-    f->next();
-    size_t end = pos + 1;
-    while (end < items.size() && items[end].code != 100 && items[end].code != 1001) ++end;
-    span.reserve(end - pos - 1);
-    while (!f->atEOF() && f->peekCode() != 100 && f->peekCode() != 1001) span.push_back(*f->next());
-  } else {
-    // No marker: this part's groups from the rest of the object.
+  {
+    // No marker (as in an old release's file): this part's groups from the
+    // rest of the object.
     size_t end = pos;
-    while (end < items.size() && items[end].code != 100 && items[end].code != 1001) ++end;
+    while (end < count && items[end].code != 100 && items[end].code != 1001) ++end;
+    f->aboutToReorder();
     std::vector<DxfItem> rest;
     for (size_t i = pos; i < end; ++i) (knows(s, items[i].code) ? span : rest).push_back(std::move(items[i]));
     items.erase(items.begin() + static_cast<long>(pos), items.begin() + static_cast<long>(end));
@@ -527,7 +648,7 @@ Acad::ErrorStatus dxfInPart(const ClassSchema& s, AcDbEntity* e, AcDbDxfFiler* f
   // Only a file says which groups a drawing holds; entmod's list has them
   // all, and leaves what the file held as it was.
   if (f->filerType() == AcDb::kFileFiler) {
-    state.presence = presenceOf(s, e, span, isExtra);
+    state.presence = presenceOf(s, e, span.data(), span.size(), isExtra.data());
   } else if (const PartState* before = stateOf(e, &s)) {
     state.presence = before->presence;
   }

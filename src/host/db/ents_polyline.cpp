@@ -55,6 +55,14 @@ const ClassSchema& AcDbPolyline::schema() {
               [](AcDbObject* o, MemoryDxfFiler* f) {
                 auto* pl = static_cast<AcDbPolyline*>(o);
                 pl->verts_.clear();
+                // Room for the vertices at once: one 10 group each.
+                size_t n = 0;
+                for (size_t i = f->position(), end = f->readEnd(); i < end; ++i) {
+                  const int c = f->items()[i].code;
+                  if (c == 100 || c == 1001) break;
+                  n += c == 10;
+                }
+                pl->verts_.reserve(n);
                 while (const DxfItem* it = zepk::db::take(f, 10)) {
                   if (it->kind != DxfItem::Point) return Acad::eInvalidResBuf;
                   Vertex v;

@@ -46,13 +46,13 @@ IntField intField(int code) {
 MemoryDxfFiler::~MemoryDxfFiler() { delete[] lastString_; }
 
 const DxfItem* MemoryDxfFiler::next() {
-  if (status_ != Acad::eOk || pos_ >= items_.size()) return nullptr;
+  if (status_ != Acad::eOk || pos_ >= readEnd()) return nullptr;
   return &items_[pos_++];
 }
 
 Acad::ErrorStatus MemoryDxfFiler::readItem(resbuf* rb) {
   if (status_ != Acad::eOk) return status_;
-  if (pos_ >= items_.size()) return Acad::eEndOfFile;
+  if (pos_ >= readEnd()) return Acad::eEndOfFile;
   const DxfItem& it = items_[pos_++];
   rb->restype = static_cast<short>(it.code);
   switch (it.kind) {
@@ -92,7 +92,7 @@ Acad::ErrorStatus MemoryDxfFiler::readItem(resbuf* rb) {
 }
 
 bool MemoryDxfFiler::atSubclassData(const ACHAR* name) {
-  if (pos_ < items_.size() && items_[pos_].code == 100 && items_[pos_].s == name) {
+  if (pos_ < readEnd() && items_[pos_].code == 100 && items_[pos_].s == name) {
     ++pos_;
     return true;
   }

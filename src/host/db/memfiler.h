@@ -3,6 +3,7 @@
 // DXF files, entget/entmod and undo of the database's own classes use.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <variant>
 #include <vector>
@@ -142,10 +143,30 @@ class MemoryDxfFiler : public AcDbDxfFiler {
     status_ = Acad::eOk;
   }
   size_t position() const { return pos_; }
+  // Reading goes on from item `pos` (at most the end).
+  void seek(size_t pos) { pos_ = pos < items_.size() ? pos : items_.size(); }
+  // Reading ends at item `end` as at the end of the list, until limitEnd()
+  // is called again with a later end (SIZE_MAX: the list's own end). This
+  // lets a part of an object be read where it stands, without a copy.
+  void limitEnd(size_t end) { limit_ = end; }
+  size_t readEnd() const { return limit_ < items_.size() ? limit_ : items_.size(); }
+  // A reader that is about to change the order of the items calls
+  // aboutToReorder(); when keepOriginalIn() named a list, a copy of the
+  // items as they were goes there first (once), for a caller that reads
+  // the same items again should this reading fail.
+  void keepOriginalIn(std::vector<DxfItem>* list) { original_ = list; }
+  void aboutToReorder() {
+    if (original_ == nullptr) return;
+    *original_ = items_;
+    original_ = nullptr;
+    reordered_ = true;
+  }
+  bool reordered() const { return reordered_; }
   // Empty again, for the next object, keeping the room the items had.
   void clear() {
     items_.clear();
     pos_ = 0;
+    limit_ = SIZE_MAX;
     status_ = Acad::eOk;
   }
 
@@ -153,10 +174,10 @@ class MemoryDxfFiler : public AcDbDxfFiler {
   void pushBackItem() override {
     if (pos_ > 0) --pos_;
   }
-  bool atEOF() override { return pos_ >= items_.size(); }
+  bool atEOF() override { return pos_ >= readEnd(); }
   bool atSubclassData(const ACHAR* subClassName) override;
-  bool atExtendedData() override { return pos_ >= items_.size() || items_[pos_].code == 1001; }
-  int peekCode() override { return pos_ < items_.size() ? items_[pos_].code : 0; }
+  bool atExtendedData() override { return pos_ >= readEnd() || items_[pos_].code == 1001; }
+  int peekCode() override { return pos_ < readEnd() ? items_[pos_].code : 0; }
   // The next item itself, typed; null at the end.
   const DxfItem* next();
 
@@ -176,6 +197,9 @@ class MemoryDxfFiler : public AcDbDxfFiler {
   AcDbDatabase* db_;
   std::vector<DxfItem> items_;
   size_t pos_ = 0;
+  size_t limit_ = SIZE_MAX;
+  std::vector<DxfItem>* original_ = nullptr;
+  bool reordered_ = false;
   Acad::ErrorStatus status_ = Acad::eOk;
   ACHAR* lastString_ = nullptr;  // the string of the last readItem
   Acad::ErrorStatus add(DxfItem item);

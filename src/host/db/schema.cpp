@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 namespace zepk::db {
 
@@ -33,7 +34,16 @@ Acad::ErrorStatus ClassSchema::dxfIn(AcDbObject* obj, AcDbDxfFiler* filer) const
   if (!f->atSubclassData(marker_)) return Acad::eBadDxfSequence;
   for (const Field& fd : fields_)
     if (fd.reset) fd.reset(obj);
-  std::vector<bool> filled(fields_.size(), false);
+  // Which fields have taken a group; on the stack for all but the longest
+  // tables.
+  constexpr size_t kLocal = 64;
+  bool local[kLocal] = {};
+  std::unique_ptr<bool[]> more;
+  bool* filled = local;
+  if (fields_.size() > kLocal) {
+    more.reset(new bool[fields_.size()]());
+    filled = more.get();
+  }
   for (;;) {
     int code = f->peekCode();
     if (f->atEOF() || code == 100 || code == 1001) break;

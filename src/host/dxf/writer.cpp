@@ -212,9 +212,17 @@ bool writeFileAtomically(const std::string& path, const Producer& produce, std::
   if (fd < 0) return failAfterProducing("no free temporary name in its folder");
 
   int writeErrno = 0;
+  off_t written = 0;
   const bool produced = produce([&](std::string_view piece) {
     if (writeErrno != 0) return false;
-    if (writeAll(fd, piece)) return true;
+    if (writeAll(fd, piece)) {
+      // The disk starts on each piece at once, so that the flush at the end
+      // waits for little more than the last one. Only a hint: its failure
+      // is not the file's.
+      (void)::sync_file_range(fd, written, static_cast<off_t>(piece.size()), SYNC_FILE_RANGE_WRITE);
+      written += static_cast<off_t>(piece.size());
+      return true;
+    }
     writeErrno = errno != 0 ? errno : EIO;
     return false;
   });
