@@ -1,8 +1,8 @@
 // Writing a database as an AC1032 (2018) DXF file, text in UTF-8.
 //
 //   HEADER    the drawing's header variables as kept, with $ACADVER
-//             "AC1032", $DWGCODEPAGE "ANSI_1252" and $HANDSEED the next
-//             free handle of the database
+//             "AC1032", $DWGCODEPAGE the drawing's ("ANSI_1252" when it
+//             has none) and $HANDSEED the next free handle of the database
 //   CLASSES   the records the drawing came with, and records for classes of
 //             applications whose objects it holds
 //   TABLES    VPORT, LTYPE, LAYER, STYLE, VIEW, UCS, APPID, DIMSTYLE,
@@ -250,8 +250,13 @@ bool Writer::header() {
   if (find(u"$ACADVER") == vars.end()) vars.insert(vars.begin(), HeaderVar{u"$ACADVER", {}});
   find(u"$ACADVER")->groups = text(1, u"AC1032");
   size_t at = static_cast<size_t>(find(u"$ACADVER") - vars.begin()) + 1;
+  // The text is UTF-8 whatever the drawing's code page; the variable keeps
+  // the drawing's value, as readers of this release expect.
   if (find(u"$DWGCODEPAGE") == vars.end()) vars.insert(vars.begin() + static_cast<std::ptrdiff_t>(at++), HeaderVar{u"$DWGCODEPAGE", {}});
-  find(u"$DWGCODEPAGE")->groups = text(3, u"ANSI_1252");
+  auto page = find(u"$DWGCODEPAGE");
+  if (page->groups.size() != 1 || page->groups[0].code != 3 || page->groups[0].kind != DxfItem::String ||
+      page->groups[0].s.empty())
+    page->groups = text(3, u"ANSI_1252");
   if (find(u"$HANDSEED") == vars.end()) vars.insert(vars.begin() + static_cast<std::ptrdiff_t>(at), HeaderVar{u"$HANDSEED", {}});
   find(u"$HANDSEED")->groups = text(5, sys::fromUtf8(handleText(db_->handseed().value())));
   for (const HeaderVar& v : vars) {

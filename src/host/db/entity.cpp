@@ -563,6 +563,7 @@ static Acad::ErrorStatus writeFields(const ClassSchema& s, const AcDbEntity* e, 
       if (es != Acad::eOk) return es;
       continue;
     }
+    if (all && (fd.flags & kOmittedWhenDefault) && fd.isDefault(e)) continue;
     if (!all && fd.isDefault(e)) {
       signed char p = st && i < st->presence.size() ? st->presence[i] : PartState::kUnknown;
       if (p == PartState::kNotInFile) continue;

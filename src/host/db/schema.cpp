@@ -15,6 +15,7 @@ Acad::ErrorStatus ClassSchema::dxfOut(const AcDbObject* obj, AcDbDxfFiler* f) co
       continue;
     }
     if ((fd.flags & kOptional) && !f->includesDefaultValues() && fd.isDefault(obj)) continue;
+    if ((fd.flags & kOmittedWhenDefault) && f->includesDefaultValues() && fd.isDefault(obj)) continue;
     if ((fd.flags & kDegreesInFile) && f->filerType() == AcDb::kFileFiler) {
       MemoryDxfFiler value(AcDb::kCopyFiler);
       fd.writeDxf(obj, fd, &value);

@@ -33,6 +33,9 @@ enum FieldFlags : unsigned {
   // An angle kept in radians that a drawing file writes in degrees (arc
   // angles, text and block rotations); entity lists give radians.
   kDegreesInFile = 2,
+  // Left out wherever it holds its default, entity lists included: a
+  // block reference's column and row counts, which only a grid has.
+  kOmittedWhenDefault = 4,
 };
 
 // Access to one field through the object; made by field<> below.

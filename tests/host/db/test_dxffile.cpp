@@ -446,7 +446,8 @@ TEST_F(DxfFileTest, HeaderClassesAndUnknownSectionsAreKept) {
   EXPECT_EQ(std::vector<std::string>(names.begin(), names.begin() + 6),
             (std::vector<std::string>{"$ACADVER", "$HANDSEED", "$LIMMIN", "$EXTMIN", "$DWGCODEPAGE", "$USERR1"}));
   EXPECT_EQ(out.var("$ACADVER"), groupsOf({"1 AC1032"}));
-  EXPECT_EQ(out.var("$DWGCODEPAGE"), groupsOf({"3 ANSI_1252"}));
+  // The text is UTF-8; the code page stays the drawing's.
+  EXPECT_EQ(out.var("$DWGCODEPAGE"), groupsOf({"3 ANSI_936"}));
   EXPECT_EQ(out.var("$LIMMIN"), groupsOf({"10 0.0", "20 0.0"}));
   EXPECT_EQ(out.var("$EXTMIN"), groupsOf({"10 1.0", "20 2.0", "30 3.0"}));
   EXPECT_EQ(out.var("$USERR1"), groupsOf({"40 1.5"}));

@@ -85,7 +85,6 @@ struct Known {
 const Known kKnown[] = {
     // The file is saved as AC1032, whatever release it came in.
     {"", R"(^  HEADER \$ACADVER: 'AC10(09|15|18|24)' != 'AC1032'$)", "saved as AC1032"},
-    {"cp936", R"(^  HEADER \$DWGCODEPAGE: 'ANSI_936' != 'ANSI_1252'$)", "saved in UTF-8"},
     // From R2013 on, ACIS data is binary in the ACDSDATA section; the text
     // form of older releases is written as it was, which readers of AC1032
     // do not look at.

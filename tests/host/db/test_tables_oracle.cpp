@@ -16,6 +16,7 @@
 #include "host/dbsymtb.h"
 #include "host/dbxrecrd.h"
 #include "host/sorttab.h"
+#include "host/system/codepage.h"
 
 namespace {
 
@@ -83,6 +84,15 @@ v = doc.views.get('Overview')
 check(tuple(v.dxf.center)[:2] == (50, 60) and v.dxf.height == 100 and v.dxf.width == 150, 'view')
 check(doc.appids.has_entry('ZEPK'), 'application')
 check(len(doc.blocks.get('SYMBOL')) == 1, 'block')
+# The text is UTF-8 (the layer name above); the code page stays the drawing's.
+check(doc.header['$DWGCODEPAGE'] == sys.argv[4], 'code page %s' % doc.header['$DWGCODEPAGE'])
+# A plain reference has no column and row counts; a grid has them.
+refs = {e.dxf.handle: e for e in doc.modelspace().query('INSERT')}
+plain, grid = refs.get(sys.argv[5]), refs.get(sys.argv[6])
+check(plain is not None and not plain.dxf.hasattr('column_count') and not plain.dxf.hasattr('row_count')
+      and not plain.mcount > 1, 'plain reference')
+check(grid is not None and grid.dxf.column_count == 3 and grid.dxf.row_count == 2 and grid.dxf.column_spacing == 4.0
+      and grid.mcount == 6, 'grid of references')
 check(sorted(l.name for l in doc.layouts) == ['Layout1', 'Model'], 'layouts')
 g = doc.groups.get('LOT7')
 # ezdxf 0.18 loads a group's members into a set: compare them as one.
@@ -171,6 +181,8 @@ TEST(TablesOracle, AnotherReaderSeesWhatTheTablesHold) {
     AcDbObjectPointer<AcDbBlockTable> blocks(db.blockTableId(), AcDb::kForRead);
     blocks->getAt(ACDB_MODEL_SPACE, model);
   }
+  AcDbObjectId plain = append(model, new AcDbBlockReference(AcGePoint3d(10, 0, 0), symbol));
+  AcDbObjectId grid = append(model, new AcDbMInsertBlock(AcGePoint3d(20, 0, 0), symbol, 3, 2, 4.0, 5.0));
   AcDbObjectId a = append(model, new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(5, 5, 0)));
   AcDbObjectId b = append(model, new AcDbLine(AcGePoint3d(0, 5, 0), AcGePoint3d(5, 0, 0)));
 
@@ -219,8 +231,9 @@ TEST(TablesOracle, AnotherReaderSeesWhatTheTablesHold) {
     for (char16_t c : id.handle().ascii()) s += static_cast<char>(c);
     return s;
   };
-  std::string report =
-      run("PYTHONIOENCODING=utf-8 /usr/bin/python3 " + script + " " + path + " " + hex(a) + " " + hex(b) + " 2>&1");
+  const std::string codePage = "ANSI_" + std::to_string(zepk::sys::systemCodePage());
+  std::string report = run("PYTHONIOENCODING=utf-8 /usr/bin/python3 " + script + " " + path + " " + hex(a) + " " +
+                           hex(b) + " " + codePage + " " + hex(plain) + " " + hex(grid) + " 2>&1");
   EXPECT_EQ(report, "ok\n");
   std::remove(script.c_str());
   std::remove(path.c_str());
