@@ -151,6 +151,8 @@ class Reader {
   // no owner (as in R12). A null id, with error_ set, on a fault that ends
   // reading.
   AcDbObjectId makeObject(Record& rec, Place place, AcDbObjectId owner);
+  // The class of a record's type.
+  AcRxClass* classFor(const Record& rec, bool entity);
   bool addToDatabase(AcDbObject* obj, const Record& rec, AcDbObjectId& id);
   // Reads a run of entity records [first, last) of a section into `out`
   // (top-level entities in order) and `complexes`.
@@ -194,6 +196,7 @@ class Reader {
   std::map<std::u16string, DxfClassRecord> classes_;  // by DXF name
   std::map<std::u16string, AcDbObjectId> tables_;     // "LAYER" -> table
   std::map<std::u16string, AcDbObjectId> blockRecords_;  // upper-case name -> record
+  std::unordered_map<std::u16string, AcRxClass*> classByName_;  // by the type of a record
   std::vector<Complex> complexes_;
   std::vector<AcDbObjectId> objectsInOrder_;  // the OBJECTS section
   std::vector<AcDbObjectId> entityOwners_;    // the owner of each top-level entity of a run
@@ -374,6 +377,16 @@ bool Reader::addToDatabase(AcDbObject* obj, const Record& rec, AcDbObjectId& id)
   return fail(rec.line, "cannot add " + rec.name + " to the drawing");
 }
 
+AcRxClass* Reader::classFor(const Record& rec, bool entity) {
+  // These three are told apart by their groups.
+  if (entity && (rec.wname == u"POLYLINE" || rec.wname == u"VERTEX" || rec.wname == u"INSERT"))
+    return entityClassFor(rec.wname, rec.items);
+  // Any other type names one class (or none), the same for every record.
+  auto [at, added] = classByName_.try_emplace(rec.wname, nullptr);
+  if (added) at->second = entity ? entityClassFor(rec.wname, rec.items) : acrxFindClassByDxfName(rec.wname.c_str());
+  return at->second;
+}
+
 AcDbObjectId Reader::makeObject(Record& rec, Place place, AcDbObjectId owner) {
   const bool entity = place == Place::Block || place == Place::Entities;
   if (r12_) addSubclassMarkers(rec.wname, rec.items, polylineFlags_);
@@ -396,7 +409,7 @@ AcDbObjectId Reader::makeObject(Record& rec, Place place, AcDbObjectId owner) {
   auto cls = classes_.find(rec.wname);
   if (rec.name == "TABLE") {
     // made by the caller
-  } else if (AcRxClass* c = entity ? entityClassFor(rec.wname, rec.items) : acrxFindClassByDxfName(rec.wname.c_str())) {
+  } else if (AcRxClass* c = classFor(rec, entity)) {
     obj = AcDbObject::cast(c->create());
     if (obj && entity != (AcDbEntity::cast(obj) != nullptr)) {
       // An entity stands in a block, an object in the OBJECTS section; a

@@ -88,6 +88,14 @@ class Writer {
   std::string label(const AcDbObject* obj) const {
     return sys::toUtf8(typeName(obj)) + " " + handleText(obj->objectId().handle().value());
   }
+  // What the writer needs to know of an object's class, found once a class.
+  struct Kind {
+    bool proxy = false;   // a proxy: its type is its own
+    bool table = false;   // a symbol table
+    bool record = false;  // a symbol table record
+    bool entity = false;
+  };
+  const Kind& kindOf(const AcDbObject* obj);
   std::u16string typeName(const AcDbObject* obj) const;
   // The type as the file writes it, in UTF-8; the same string for every
   // object of a class.
@@ -128,6 +136,7 @@ class Writer {
   std::unordered_map<const AcRxClass*, std::string> typeTexts_;
   std::string proxyType_;
   std::string text_;      // utf8()'s result
+  std::vector<std::pair<const AcRxClass*, Kind>> kinds_;  // kindOf's, a few classes
   AcDbObjectIdArray all_;  // every object in handle order, as classes() found them
   uint64_t allSeed_ = 0;   // the next handle then
   bool streaming_ = false;
@@ -145,8 +154,21 @@ std::u16string Writer::typeName(const AcDbObject* obj) const {
   return s;
 }
 
+const Writer::Kind& Writer::kindOf(const AcDbObject* obj) {
+  const AcRxClass* c = obj->isA();
+  for (const auto& [k, kind] : kinds_)
+    if (k == c) return kind;
+  Kind kind;
+  kind.proxy = proxyData(obj) != nullptr;
+  kind.table = AcDbSymbolTable::cast(obj) != nullptr;
+  kind.record = AcDbSymbolTableRecord::cast(obj) != nullptr;
+  kind.entity = AcDbEntity::cast(obj) != nullptr;
+  return kinds_.emplace_back(c, kind).second;
+}
+
 const std::string& Writer::typeText(const AcDbObject* obj) {
-  if (proxyData(obj) || AcDbSymbolTable::cast(obj)) {
+  const Kind& kind = kindOf(obj);
+  if (kind.proxy || kind.table) {
     proxyType_ = sys::toUtf8(typeName(obj));
     return proxyType_;
   }
@@ -225,7 +247,7 @@ bool Writer::object(AcDbObject* obj, const AcDbBlockTableRecord* blockOf) {
   if (es != Acad::eOk) return fail(label(obj) + ": its class could not write it (status " + std::to_string(es) + ")");
   const std::string& type = typeText(obj);
   w_.text(0, type);
-  if (auto* table = AcDbSymbolTable::cast(obj)) w_.text(2, sys::toUtf8(symbolTableName(table)));
+  if (kindOf(obj).table) w_.text(2, sys::toUtf8(symbolTableName(static_cast<const AcDbSymbolTable*>(obj))));
   w_.text(type == "DIMSTYLE" ? 105 : 5, handleText(obj->objectId().handle().value()));
   for (const DxfItem& it : f.items()) item(it);
   xdata(obj);
@@ -298,7 +320,8 @@ bool Writer::classes() {
     if (id.isErased()) continue;
     AcDbObject* o = peekObject(id);
     if (!o) continue;
-    if (proxyData(o) || AcDbSymbolTable::cast(o)) {
+    const Kind& kind = kindOf(o);
+    if (kind.proxy || kind.table) {
       add(typeName(o), o, k, 1);
       continue;
     }
@@ -468,7 +491,9 @@ bool Writer::objects() {
   for (AcDbObjectId id : all_) {
     if (id == nod || id.isErased()) continue;
     AcDbObject* o = peekObject(id);
-    if (!o || AcDbEntity::cast(o) || AcDbSymbolTable::cast(o) || AcDbSymbolTableRecord::cast(o)) continue;
+    if (!o) continue;
+    const Kind& kind = kindOf(o);
+    if (kind.entity || kind.table || kind.record) continue;
     if (!object(o)) return false;
   }
   endSection();
