@@ -27,6 +27,7 @@
 
 #include "host/db/dbobjects.h"
 #include "host/db/dxfinternal.h"
+#include "host/db/ents_internal.h"
 #include "host/db/internal.h"
 #include "host/dbdict.h"
 #include "host/dbents.h"
@@ -64,9 +65,97 @@ constexpr StandardClass kStandardClasses[] = {
 
 const char16_t* kHostApp = u"ZEPK host";
 
+// Text as UTF-8 in `buf`: ASCII copied as it is, without a conversion.
+std::string_view utf8In(std::string& buf, const std::u16string& s) {
+  buf.resize(s.size());
+  for (size_t i = 0; i < s.size(); ++i) {
+    if (s[i] >= 0x80) {
+      buf = sys::toUtf8(s);
+      return buf;
+    }
+    buf[i] = static_cast<char>(s[i]);
+  }
+  return buf;
+}
+
+// A filer that writes what an object gives straight to the file's groups,
+// as the memory filer's items would be written one by one: a real in an
+// integer group as its whole value, points as x, y (and z) groups,
+// references as the handles of the objects (0 for none or an erased one).
+// Only for writing; a fault of the groups is the group writer's to tell.
+class StreamFiler : public AcDbDxfFiler {
+ public:
+  StreamFiler(GroupWriter& w, AcDbDatabase* db) : w_(w), db_(db) {}
+  Acad::ErrorStatus filerStatus() const override { return status_; }
+  AcDb::FilerType filerType() const override { return AcDb::kFileFiler; }
+  void setFilerStatus(Acad::ErrorStatus es) override { status_ = es; }
+  void resetFilerStatus() override { status_ = Acad::eOk; }
+  AcDbDatabase* database() const override { return db_; }
+  bool includesDefaultValues() const override { return false; }
+
+  Acad::ErrorStatus readItem(resbuf*) override { return Acad::eNotApplicable; }
+  void pushBackItem() override {}
+  bool atEOF() override { return true; }
+  bool atSubclassData(const ACHAR*) override { return false; }
+  bool atExtendedData() override { return true; }
+  int peekCode() override { return 0; }
+
+  Acad::ErrorStatus writeItem(const resbuf& item) override {
+    if (status_ != Acad::eOk) return status_;
+    // Converted as the memory filer converts it.
+    MemoryDxfFiler m(AcDb::kFileFiler, db_);
+    m.writeItem(item);
+    for (const DxfItem& it : m.items()) zepk::db::writeItem(this, it);
+    return Acad::eOk;
+  }
+  Acad::ErrorStatus writeString(int code, const std::u16string& s) override {
+    if (status_ == Acad::eOk) w_.text(code, utf8In(text_, s));
+    return status_;
+  }
+  using AcDbDxfFiler::writeString;
+  Acad::ErrorStatus writeInt64(int code, Adesk::Int64 v) override {
+    if (status_ == Acad::eOk) w_.integer(code, v);
+    return status_;
+  }
+  Acad::ErrorStatus writeDouble(int code, double v, int) override {
+    if (status_ != Acad::eOk) return status_;
+    if (dxf::valueKind(code) == dxf::ValueKind::Integer) w_.integer(code, std::llround(v));
+    else w_.real(code, v);
+    return status_;
+  }
+  Acad::ErrorStatus writePoint3d(int code, const AcGePoint3d& p, int) override {
+    if (status_ == Acad::eOk) w_.point(code, p.x, p.y, p.z);
+    return status_;
+  }
+  Acad::ErrorStatus writePoint2d(int code, const AcGePoint2d& p, int) override {
+    if (status_ == Acad::eOk) w_.point(code, p.x, p.y);
+    return status_;
+  }
+  Acad::ErrorStatus writeObjectId(int code, const AcDbObjectId& id) override {
+    if (status_ != Acad::eOk) return status_;
+    const uint64_t h = id.isNull() || id.isErased() ? 0 : id.handle().value();
+    w_.text(code, handleText(h));
+    return status_;
+  }
+  Acad::ErrorStatus writeHandle(int code, const AcDbHandle& h) override {
+    if (status_ == Acad::eOk) w_.text(code, handleText(h.value()));
+    return status_;
+  }
+  Acad::ErrorStatus writeBinaryChunk(int code, const std::string& bytes) override {
+    if (status_ == Acad::eOk) w_.text(code, bytesToHex(bytes));
+    return status_;
+  }
+
+ private:
+  GroupWriter& w_;
+  AcDbDatabase* db_;
+  Acad::ErrorStatus status_ = Acad::eOk;
+  std::string text_;
+};
+
 class Writer {
  public:
-  explicit Writer(AcDbDatabase* db) : db_(db), filer_(AcDb::kFileFiler, db) {}
+  explicit Writer(AcDbDatabase* db) : db_(db), filer_(AcDb::kFileFiler, db), stream_(w_, db) {}
   // The bytes go to `sink` as they are made rather than staying here.
   void setSink(GroupWriter::Sink sink) {
     streaming_ = true;
@@ -133,6 +222,7 @@ class Writer {
   GroupWriter w_;
   std::string error_;
   MemoryDxfFiler filer_;  // what each object gives, one object at a time
+  StreamFiler stream_;    // or straight to the groups
   std::unordered_map<const AcRxClass*, std::string> typeTexts_;
   std::string proxyType_;
   std::string text_;      // utf8()'s result
@@ -177,17 +267,7 @@ const std::string& Writer::typeText(const AcDbObject* obj) {
   return at->second;
 }
 
-std::string_view Writer::utf8(const std::u16string& s) {
-  text_.resize(s.size());
-  for (size_t i = 0; i < s.size(); ++i) {
-    if (s[i] >= 0x80) {
-      text_ = sys::toUtf8(s);
-      return text_;
-    }
-    text_[i] = static_cast<char>(s[i]);
-  }
-  return text_;
-}
+std::string_view Writer::utf8(const std::u16string& s) { return utf8In(text_, s); }
 
 void Writer::item(const DxfItem& it) {
   const int c = it.code;
@@ -237,6 +317,20 @@ void Writer::xdata(const AcDbObject* obj) {
 }
 
 bool Writer::object(AcDbObject* obj, const AcDbBlockTableRecord* blockOf) {
+  if (!blockOf) {
+    // The type and handle, then what the object gives as it gives it.
+    const std::string& type = typeText(obj);
+    w_.text(0, type);
+    if (kindOf(obj).table) w_.text(2, sys::toUtf8(symbolTableName(static_cast<const AcDbSymbolTable*>(obj))));
+    w_.text(type == "DIMSTYLE" ? 105 : 5, handleText(obj->objectId().handle().value()));
+    stream_.resetFilerStatus();
+    Acad::ErrorStatus es = obj->dxfOutFields(&stream_);
+    if (es != Acad::eOk) return fail(label(obj) + ": its class could not write it (status " + std::to_string(es) + ")");
+    xdata(obj);
+    return check(obj);
+  }
+  // A BLOCK: its block's own part follows its entity part unless the
+  // object wrote that part itself.
   MemoryDxfFiler& f = filer_;
   f.clear();
   Acad::ErrorStatus es = obj->dxfOutFields(&f);
