@@ -7,6 +7,8 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <stdexcept>
+#include <thread>
 
 #include "host/dxf/encoding.h"
 #include "host/system/codepage.h"
@@ -69,7 +71,9 @@ std::string at(int line, std::string_view what) { return "line " + std::to_strin
 // The lines of the file, one at a time, without their ends.
 class Lines {
  public:
-  Lines(std::string_view bytes, char eol) : p_(bytes.data()), end_(bytes.data() + bytes.size()), eol_(eol) {}
+  // `before`: the lines of the file before these bytes.
+  Lines(std::string_view bytes, char eol, int before = 0)
+      : p_(bytes.data()), end_(bytes.data() + bytes.size()), eol_(eol), line_(before) {}
 
   bool next(std::string_view& out) {
     if (p_ >= end_) return false;
@@ -89,7 +93,7 @@ class Lines {
   const char* p_;
   const char* end_;
   char eol_;
-  int line_ = 0;
+  int line_;
 };
 
 // A group code: a number 0..32767 with optional blanks around it.
@@ -264,6 +268,142 @@ void decodeAll(GroupList& r, const ReadOptions& options) {
   }
 }
 
+// How reading a stretch of lines ended.
+enum class Stop { End, Eof, Blank, Fault };
+
+struct Parsed {
+  Stop stop = Stop::End;
+  int errorLine = 0;     // a fault's line and what it is
+  std::string error;
+  int lastLine = 0;      // the line last read
+  std::string_view rest;  // what follows it
+};
+
+// Reads the groups of `bytes`, the lines after the first `before` of the
+// file, into `out`, up to the end, 0/EOF, blank lines to the end, or a fault.
+Parsed parseLines(std::string_view bytes, char eol, int before, std::vector<GroupRef>& out) {
+  Lines lines(bytes, eol, before);
+  std::string_view codeLine, valueLine;
+  Parsed p;
+  auto fault = [&](int line, std::string what) {
+    p.stop = Stop::Fault;
+    p.errorLine = line;
+    p.error = std::move(what);
+    return p;
+  };
+  while (lines.next(codeLine)) {
+    if (lines.line() > kMaxLines) return fault(lines.line(), "the file has too many lines to be read");
+    int code = 0;
+    if (!parseCode(codeLine, code)) {
+      if (trim(codeLine).empty() && allBlank(lines.rest())) {  // blank lines at the end
+        p.stop = Stop::Blank;
+        break;
+      }
+      return fault(lines.line(), "expected a group code, found " + quoted(codeLine));
+    }
+    const int line = lines.line();
+    if (!lines.next(valueLine))
+      return fault(line + 1, "expected the value of group " + std::to_string(code) + ", found the end of the file");
+
+    const GroupType type = groupType(code);
+    switch (valueKind(type)) {
+      case ValueKind::Text:
+        if (valueLine.size() > UINT32_MAX) return fault(line + 1, "the line is too long to be read");
+        out.push_back(GroupRef::ofText(code, line, valueLine));
+        break;
+      case ValueKind::Real: {
+        double d = 0;
+        if (!parseReal(valueLine, d))
+          return fault(line + 1, "expected a real number for group " + std::to_string(code) + ", found " +
+                                    quoted(valueLine));
+        out.push_back(GroupRef::ofReal(code, line, d));
+        break;
+      }
+      case ValueKind::Integer: {
+        std::int64_t v = 0;
+        if (!parseInteger(valueLine, v) || !inRange(type, v))
+          return fault(line + 1, std::string("expected ") + describe(type) + " for group " + std::to_string(code) +
+                                    ", found " + quoted(valueLine));
+        // Unsigned forms become the signed values with the same bits.
+        if (type == GroupType::Int16 && v > 32767) v -= 65536;
+        if (type == GroupType::Int32 && v > 2147483647LL) v -= 4294967296LL;
+        out.push_back(GroupRef::ofInteger(code, line, type == GroupType::Bool ? std::int64_t{v != 0} : v));
+        break;
+      }
+    }
+    if (code == 0 && trim(valueLine) == "EOF") {
+      p.stop = Stop::Eof;
+      break;
+    }
+  }
+  p.lastLine = lines.line();
+  p.rest = lines.rest();
+  return p;
+}
+
+// Files from this size on are read in two halves at once.
+constexpr size_t kHalvesFrom = size_t{8} << 20;
+
+// Reads `bytes` in two halves at once into `out`, `firstHalfNewlines`
+// being the count of "\n" in the first half of the bytes (size / 2) and
+// `newlines` in all of them. False, with `out` empty, when the halves
+// cannot stand for one reading.
+bool parseHalves(std::string_view bytes, char eol, size_t firstHalfNewlines, size_t newlines,
+                 std::vector<GroupRef>& out, Parsed& parsed) {
+  // The second half starts at the first code line after the middle: a
+  // line with an odd number.
+  size_t split = bytes.size() / 2;
+  size_t before = eol == '\n' ? firstHalfNewlines
+                              : static_cast<size_t>(std::count(bytes.begin(), bytes.begin() + split, eol));
+  auto nextLine = [&] {
+    const void* at = std::memchr(bytes.data() + split, eol, bytes.size() - split);
+    if (at == nullptr) return false;
+    split = static_cast<size_t>(static_cast<const char*>(at) - bytes.data()) + 1;
+    ++before;
+    return true;
+  };
+  if (!nextLine()) return false;
+  if (before % 2 != 0 && !nextLine()) return false;
+  if (split >= bytes.size() || before > static_cast<size_t>(kMaxLines)) return false;
+
+  const size_t lines = eol == '\n' ? newlines : static_cast<size_t>(std::count(bytes.begin(), bytes.end(), eol));
+  std::vector<GroupRef> second;
+  Parsed secondParsed;
+  bool secondDone = false;
+  try {
+    second.reserve((lines - before) / 2 + 1);
+    adviseLargePages(second.data(), second.capacity() * sizeof(GroupRef));
+    std::thread other([&] {
+      try {
+        secondParsed = parseLines(bytes.substr(split), eol, static_cast<int>(before), second);
+        secondDone = true;
+      } catch (const std::exception&) {
+        // Out of memory: the one reading below fails as it fails.
+      }
+    });
+    Parsed first;
+    bool firstDone = false;
+    try {
+      first = parseLines(bytes.substr(0, split), eol, 0, out);
+      firstDone = true;
+    } catch (const std::exception&) {
+      // As for the second half.
+    }
+    other.join();
+    if (!firstDone || !secondDone || first.stop != Stop::End || out.size() != before / 2) {
+      out.clear();
+      return false;
+    }
+  } catch (const std::exception&) {
+    // No thread to be had: one reading does it.
+    out.clear();
+    return false;
+  }
+  out.insert(out.end(), second.begin(), second.end());
+  parsed = std::move(secondParsed);
+  return true;
+}
+
 }  // namespace
 
 int versionNumber(std::string_view acadver) {
@@ -307,56 +447,25 @@ GroupList readGroupList(std::string_view bytes, const ReadOptions& options) {
   if (allBlank(bytes)) return fail(1, "the file is empty");
 
   // Lines end in "\n" (with or without "\r"); a file without any "\n" may use "\r" alone.
-  const size_t newlines = static_cast<size_t>(std::count(bytes.begin(), bytes.end(), '\n'));
+  const size_t firstHalfNewlines = static_cast<size_t>(std::count(bytes.begin(), bytes.begin() + bytes.size() / 2, '\n'));
+  const size_t newlines =
+      firstHalfNewlines + static_cast<size_t>(std::count(bytes.begin() + bytes.size() / 2, bytes.end(), '\n'));
   const char eol = newlines == 0 && bytes.find('\r') != std::string_view::npos ? '\r' : '\n';
   r.groups.reserve(newlines / 2 + 1);
   adviseLargePages(r.groups.data(), r.groups.capacity() * sizeof(GroupRef));
 
-  Lines lines(bytes, eol);
-  std::string_view codeLine, valueLine;
-  bool sawEof = false;
-  while (lines.next(codeLine)) {
-    if (lines.line() > kMaxLines) return fail(lines.line(), "the file has too many lines to be read");
-    int code = 0;
-    if (!parseCode(codeLine, code)) {
-      if (trim(codeLine).empty() && allBlank(lines.rest())) break;  // blank lines at the end
-      return fail(lines.line(), "expected a group code, found " + quoted(codeLine));
-    }
-    const int line = lines.line();
-    if (!lines.next(valueLine))
-      return fail(line + 1, "expected the value of group " + std::to_string(code) + ", found the end of the file");
-
-    const GroupType type = groupType(code);
-    switch (valueKind(type)) {
-      case ValueKind::Text:
-        if (valueLine.size() > UINT32_MAX) return fail(line + 1, "the line is too long to be read");
-        r.groups.push_back(GroupRef::ofText(code, line, valueLine));
-        break;
-      case ValueKind::Real: {
-        double d = 0;
-        if (!parseReal(valueLine, d))
-          return fail(line + 1, "expected a real number for group " + std::to_string(code) + ", found " +
-                                    quoted(valueLine));
-        r.groups.push_back(GroupRef::ofReal(code, line, d));
-        break;
-      }
-      case ValueKind::Integer: {
-        std::int64_t v = 0;
-        if (!parseInteger(valueLine, v) || !inRange(type, v))
-          return fail(line + 1, std::string("expected ") + describe(type) + " for group " + std::to_string(code) +
-                                    ", found " + quoted(valueLine));
-        // Unsigned forms become the signed values with the same bits.
-        if (type == GroupType::Int16 && v > 32767) v -= 65536;
-        if (type == GroupType::Int32 && v > 2147483647LL) v -= 4294967296LL;
-        r.groups.push_back(GroupRef::ofInteger(code, line, type == GroupType::Bool ? std::int64_t{v != 0} : v));
-        break;
-      }
-    }
-    if (code == 0 && trim(valueLine) == "EOF") {
-      sawEof = true;
-      break;
-    }
-  }
+  // A large file is read in two halves at once, the second from the first
+  // code line after its middle. The halves' groups are the same as one
+  // reading's; when the first half does not simply run to its end (a fault,
+  // 0/EOF, blank lines), the file is read again in one piece, so that every
+  // message is the one a single reading gives.
+  Parsed parsed;
+  bool done = false;
+  if (bytes.size() >= kHalvesFrom) done = parseHalves(bytes, eol, firstHalfNewlines, newlines, r.groups, parsed);
+  if (!done) parsed = parseLines(bytes, eol, 0, r.groups);
+  if (parsed.stop == Stop::Fault) return fail(parsed.errorLine, parsed.error);
+  const bool sawEof = parsed.stop == Stop::Eof;
+  Lines lines(parsed.rest, eol, parsed.lastLine);
 
   if (sawEof) {
     std::string_view rest = lines.rest();

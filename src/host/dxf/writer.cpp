@@ -56,8 +56,8 @@ bool GroupWriter::text(int code, std::string_view value) {
   const ValueKind kind = valueKind(code);
   if (kind != ValueKind::Text && groupType(code) != GroupType::Unknown)
     return refuse(code, std::string("text cannot be written where ") + describe(groupType(code)) + " belongs");
-  if (value.find_first_of("\r\n") != std::string_view::npos)
-    return refuse(code, "a line break cannot be written in a text value");
+  for (const char c : value)
+    if (c == '\r' || c == '\n') return refuse(code, "a line break cannot be written in a text value");
   putCode(code);
   out_ += value;
   putEol();
@@ -76,7 +76,9 @@ bool GroupWriter::real(int code, double value) {
   char* const number = codeLine(buf, code);
   char* p = std::to_chars(number, buf + 64, value).ptr;
   // A whole number gets ".0" so that it reads as a real everywhere.
-  if (std::string_view(number, static_cast<size_t>(p - number)).find_first_of(".e") == std::string_view::npos) {
+  bool whole = true;
+  for (const char* q = number; q < p && whole; ++q) whole = *q != '.' && *q != 'e';
+  if (whole) {
     *p++ = '.';
     *p++ = '0';
   }

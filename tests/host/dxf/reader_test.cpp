@@ -385,5 +385,85 @@ TEST(ReadFaults, DamagedFilesReadOrFailWithALine) {
   EXPECT_GT(failures, 200);  // the mutations do break files
 }
 
+
+// ---------------------------------------------------------------- large files
+
+// A file large enough to be read in two halves at once: lines and points,
+// pair i on lines 2i+1 (code) and 2i+2 (value).
+Pairs largePairs() {
+  Pairs p = {{0, "SECTION"}, {2, "ENTITIES"}};
+  for (int i = 0; p.size() * 14 < (size_t{10} << 20); ++i) {
+    p.insert(p.end(), {{0, "LINE"}, {8, "L" + std::to_string(i % 7)}, {10, std::to_string(i) + ".25"},
+                       {20, "-" + std::to_string(i)}, {70, std::to_string(i % 3)}});
+  }
+  p.insert(p.end(), {{0, "ENDSEC"}, {0, "EOF"}});
+  return p;
+}
+
+// The halves read as one reading does: every group in order with its line,
+// the first fault in the file told wherever the halves meet, and what
+// follows 0/EOF ignored.
+TEST(ReadLarge, HalvesReadAsOne) {
+  const Pairs pairs = largePairs();
+  for (std::string_view eol : {"\n", "\r\n", "\r"}) {
+    const GroupList list = readGroupList(dxf(pairs, eol));
+    ASSERT_TRUE(list.ok) << list.error;
+    ASSERT_EQ(list.groups.size(), pairs.size());
+    for (size_t i = 0; i < pairs.size(); i += 997) {
+      const GroupRef& g = list.groups[i];
+      ASSERT_EQ(g.code, pairs[i].first) << i;
+      ASSERT_EQ(g.line, static_cast<int>(2 * i + 1)) << i;
+      if (g.isText()) ASSERT_EQ(g.text(), pairs[i].second) << i;
+      if (g.isReal()) ASSERT_EQ(g.real(), std::stod(pairs[i].second)) << i;
+      if (g.isInteger()) ASSERT_EQ(g.integer(), std::stoll(pairs[i].second)) << i;
+    }
+    EXPECT_TRUE(list.warnings.empty());
+  }
+  // A pair whose value is no real, at a quarter, the middle (either side of
+  // where the second half starts) and three quarters of the file.
+  const size_t n = pairs.size();
+  auto badAt = [&](size_t i) {
+    while (pairs[i].first != 10) ++i;
+    return i;
+  };
+  const size_t quarter = badAt(n / 4), middle = badAt(n / 2 - 5), later = badAt(n / 2 + 1), last = badAt(3 * n / 4);
+  auto message = [](size_t i) {
+    return "line " + std::to_string(2 * i + 2) + ": expected a real number for group 10, found \"x\"";
+  };
+  for (const std::vector<size_t>& bad : std::vector<std::vector<size_t>>{
+           {quarter}, {middle}, {later}, {last}, {quarter, last}, {later, last}, {middle, later}}) {
+    Pairs damaged = pairs;
+    for (size_t i : bad) damaged[i].second = "x";
+    const GroupList list = readGroupList(dxf(damaged, "\r\n"));
+    EXPECT_FALSE(list.ok);
+    EXPECT_EQ(list.error, message(bad.front()));
+    EXPECT_EQ(list.errorLine, static_cast<int>(2 * bad.front() + 2));
+    EXPECT_TRUE(list.groups.empty());
+  }
+  // 0/EOF in the first half: the rest, faults and all, is ignored.
+  {
+    Pairs early(pairs.begin(), pairs.begin() + static_cast<long>(n / 3));
+    early.push_back({0, "EOF"});
+    std::string file = dxf(early) + "after the end\n";
+    const size_t extra = (n - n / 3) * 2;
+    for (size_t k = 0; k < extra; ++k) file += k % 2 ? " 10\n" : "not a number at all, nor a code\n";
+    const GroupList list = readGroupList(file);
+    ASSERT_TRUE(list.ok) << list.error;
+    EXPECT_EQ(list.groups.size(), early.size());
+    EXPECT_EQ(list.warnings,
+              std::vector<std::string>{"line " + std::to_string(2 * early.size() + 1) + ": text after 0/EOF is ignored"});
+  }
+  // A blank code line in the first half is a fault unless only blank lines
+  // follow it.
+  {
+    std::string file = dxf(Pairs(pairs.begin(), pairs.begin() + static_cast<long>(n / 3)));
+    const int blank = static_cast<int>(2 * (n / 3) + 1);
+    file += "\n" + dxf(Pairs(pairs.begin() + static_cast<long>(n / 3), pairs.end()));
+    const GroupList list = readGroupList(file);
+    EXPECT_FALSE(list.ok);
+    EXPECT_EQ(list.error, "line " + std::to_string(blank) + ": expected a group code, found \"\"");
+  }
+}
+
 }  // namespace
 }  // namespace zepk::dxf
