@@ -144,6 +144,11 @@
 (entmake '((0 . "BLOCK") (2 . "*U") (70 . 1) (10 0 0 0)))
 (entmake '((0 . "LINE") (10 0 0 0) (11 1 1 0)))
 (wcmatch (entmake '((0 . "ENDBLK"))) "`*U#*")
+; A block reference lists column and row counts only when it is a grid.
+(entmake '((0 . "INSERT") (2 . "MARK") (10 5 5 0)))
+(ent (entlast))
+(entmake '((0 . "INSERT") (2 . "MARK") (10 5 5 0) (70 . 3) (71 . 2) (44 . 2.0) (45 . 3.0)))
+(ent (entlast))
 ; Groups a class does not take are left out.
 (entmake '((0 . "CIRCLE") (10 0 0 0) (40 . 1) (41 . 2.0) (999 . "comment")))
 (mapcar '(lambda (c) (assoc c (entget (entlast)))) '(40 41 999))

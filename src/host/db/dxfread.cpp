@@ -57,6 +57,16 @@ std::u16string upper(std::u16string s) {
 
 std::string narrow(const std::u16string& s) { return sys::toUtf8(s); }
 
+// UTF-8 text as UTF-16: ASCII (most of a drawing's text) widened as it is.
+std::u16string widen(std::string_view s) {
+  unsigned char any = 0;
+  for (const char c : s) any |= static_cast<unsigned char>(c);
+  if (any & 0x80) return sys::fromUtf8(s);
+  std::u16string out(s.size(), u'\0');
+  for (size_t i = 0; i < s.size(); ++i) out[i] = static_cast<char16_t>(s[i]);
+  return out;
+}
+
 // How a record is named in messages: "LINE 2F" or "LINE" without a handle.
 std::string recordLabel(const std::string& type, uint64_t handle) {
   return handle ? type + " " + handleText(handle) : type;
@@ -202,6 +212,7 @@ class Reader {
   std::vector<AcDbObjectId> entityOwners_;    // the owner of each top-level entity of a run
   std::vector<DxfItem> spareItems_;            // room for the next record's items
   int polylineFlags_ = 0;                      // of the polyline being read (R12 vertices)
+  AcDbObjectId lastSpace_;                     // the block record an entity named as owner last
 };
 
 // ---------------------------------------------------------------- records
@@ -227,7 +238,9 @@ bool Reader::convert(size_t begin, size_t end, std::vector<DxfItem>& out, size_t
       *xdataAt = i;
       return true;
     }
-    DxfItem it = makeItem(c, DxfItem::String);
+    // Made in its place in the list.
+    DxfItem& it = out.emplace_back();
+    it.code = c;
     if (isPointCode(c) && g.isReal() && i + 1 < end && g_[i + 1].code == c + 10 && g_[i + 1].isReal()) {
       it.kind = DxfItem::Point;
       it.p[0] = g.real();
@@ -239,7 +252,6 @@ bool Reader::convert(size_t begin, size_t end, std::vector<DxfItem>& out, size_t
       } else {
         it.dims = 2;
       }
-      out.push_back(std::move(it));
       continue;
     }
     if (g.isReal()) {
@@ -263,9 +275,8 @@ bool Reader::convert(size_t begin, size_t end, std::vector<DxfItem>& out, size_t
       it.kind = DxfItem::Binary;
       it.b = std::move(*bytes);
     } else {
-      it.s = sys::fromUtf8(g.text());
+      it.s = widen(g.text());
     }
-    out.push_back(std::move(it));
   }
   return true;
 }
@@ -323,7 +334,7 @@ bool Reader::loadRecord(const GroupRange& r, Record& rec) {
   rec.type = &g_[r.begin];
   rec.line = rec.type->line;
   rec.name = std::string(trim(rec.type->text()));
-  rec.wname = sys::fromUtf8(rec.name);
+  rec.wname = widen(rec.name);
   size_t h = handleGroup(r);
   if (h != std::string::npos) {
     auto v = parseHandle(g_[h].text());
@@ -739,7 +750,11 @@ bool Reader::readEntityRun(const Section& s, size_t first, size_t last, Place pl
     AcDbObjectId entOwner = owner;
     if (place == Place::Entities) {
       AcDbObjectId named = ownerIn(rec.items);
-      if (AcDbBlockTableRecord::cast(peekObject(named))) {
+      // Most entities name the owner the one before named.
+      if (!named.isNull() && named == lastSpace_) {
+        entOwner = named;
+      } else if (AcDbBlockTableRecord::cast(peekObject(named))) {
+        lastSpace_ = named;
         entOwner = named;
       } else {
         bool paper = std::any_of(rec.items.begin(), rec.items.end(),
@@ -851,9 +866,9 @@ bool Reader::readEntities(const Section& s) {
   std::vector<AcDbObjectId> ids;
   entityOwners_.clear();
   for (const GroupRange& r : s.records) {
-    std::string type(trim(g_[r.begin].text()));
+    const std::string_view type = trim(g_[r.begin].text());
     if (type == "BLOCK" || type == "ENDBLK" || type == "TABLE" || type == "ENDTAB")
-      return fail(g_[r.begin].line, "0/" + type + " does not belong in the ENTITIES section");
+      return fail(g_[r.begin].line, "0/" + std::string(type) + " does not belong in the ENTITIES section");
   }
   if (!readEntityRun(s, 0, s.records.size(), Place::Entities, AcDbObjectId(), ids)) return false;
   // Into their spaces, in file order.

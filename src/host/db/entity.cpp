@@ -429,14 +429,21 @@ std::vector<signed char> presenceOf(const ClassSchema& s, const AcDbEntity* e, c
   };
   const std::vector<Field>& fields = s.fields();
   std::vector<signed char> presence;
+  // The fields with their defaults so far, by code.
+  constexpr size_t kLocal = 64;
+  int localCodes[kLocal];
+  std::vector<int> moreCodes;
+  size_t defaults = 0;
   for (size_t i = 0; i < fields.size(); ++i) {
     const Field& fd = fields[i];
     if (fd.customDxfOut || !fd.isDefault(e)) continue;
     // Fields of one code take its groups in turn: this one is the n-th of
     // its code among the fields with their defaults.
     int turn = 1;
-    for (size_t j = 0; j < i; ++j)
-      if (!fields[j].customDxfOut && fields[j].code == fd.code && fields[j].isDefault(e)) ++turn;
+    for (size_t j = 0; j < defaults; ++j) turn += (j < kLocal ? localCodes[j] : moreCodes[j - kLocal]) == fd.code;
+    if (defaults < kLocal) localCodes[defaults] = fd.code;
+    else moreCodes.push_back(fd.code);
+    ++defaults;
     const bool inFile = turn <= held(fd.code);
     const bool optional = fd.flags & kOptional;
     signed char p = inFile && optional ? PartState::kInFile : !inFile && !optional ? PartState::kNotInFile
