@@ -44,7 +44,9 @@ Field attributeVersionPart() {
         return fl->filerStatus();
       },
       [](AcDbObject* o, MemoryDxfFiler* fl) {
-        if (fl->position() != 1) return Acad::eOk;  // not first: the lock flag's
+        // Not first in the part (right after its marker): the lock flag's.
+        const size_t at = fl->position();
+        if (at == 0 || fl->items()[at - 1].code != 100) return Acad::eOk;
         const DxfItem* it = fl->next();
         if (it->kind != DxfItem::Int) return Acad::eInvalidResBuf;
         static_cast<C*>(o)->*Version = static_cast<int16_t>(it->i);

@@ -101,13 +101,16 @@ std::unique_ptr<AcDbEntity> readEntity(AcRxClass* cls, std::vector<DxfItem> item
 }
 
 // Sets one group of an entity as entmod would: the entity's groups with
-// that code's first value replaced, read back.
+// that code's first value replaced, read back. A group the list leaves out
+// while it holds its default (a block reference's column count) is added
+// at the end of the list.
 void editGroup(AcDbEntity* e, DxfItem value) {
   MemoryDxfFiler f(AcDb::kBagFiler);
   ASSERT_EQ(e->dxfOutFields(&f), Acad::eOk);
   bool found = false;
   for (DxfItem& it : f.items())
     if (!found && it.code == value.code) it = value, found = true;
+  if (!found && (value.code == 70 || value.code == 71)) f.items().push_back(value), found = true;
   ASSERT_TRUE(found) << "no group " << value.code;
   f.rewind();
   ASSERT_EQ(e->dxfInFields(&f), Acad::eOk);

@@ -406,7 +406,8 @@ Pairs largePairs() {
 TEST(ReadLarge, HalvesReadAsOne) {
   const Pairs pairs = largePairs();
   for (std::string_view eol : {"\n", "\r\n", "\r"}) {
-    const GroupList list = readGroupList(dxf(pairs, eol));
+    const std::string file = dxf(pairs, eol);  // the groups view it
+    const GroupList list = readGroupList(file);
     ASSERT_TRUE(list.ok) << list.error;
     ASSERT_EQ(list.groups.size(), pairs.size());
     for (size_t i = 0; i < pairs.size(); i += 997) {
@@ -434,7 +435,8 @@ TEST(ReadLarge, HalvesReadAsOne) {
            {quarter}, {middle}, {later}, {last}, {quarter, last}, {later, last}, {middle, later}}) {
     Pairs damaged = pairs;
     for (size_t i : bad) damaged[i].second = "x";
-    const GroupList list = readGroupList(dxf(damaged, "\r\n"));
+    const std::string file = dxf(damaged, "\r\n");
+    const GroupList list = readGroupList(file);
     EXPECT_FALSE(list.ok);
     EXPECT_EQ(list.error, message(bad.front()));
     EXPECT_EQ(list.errorLine, static_cast<int>(2 * bad.front() + 2));
