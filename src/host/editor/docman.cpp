@@ -92,6 +92,8 @@ class Document : public AcApDocument {
   Namespace lisp;
   HWND wnd = nullptr;
   bool titled = false;
+  // LISP expressions queued for it while it was not current.
+  std::vector<std::u16string> queued;
   // kLoadDwgMsg has gone to the modules (kUnloadDwgMsg is due at close).
   bool loaded = false;
   std::vector<AcAp::DocLockMode> locks;
@@ -307,6 +309,11 @@ class Manager : public AcApDocManager {
       cur_->loaded = true;
       rx::documentOpened();
     }
+    // Expressions queued for it while another was current run now.
+    if (lisp::Interp* in = lisp::Interp::current(); in && !cur_->queued.empty()) {
+      for (std::u16string& e : cur_->queued) in->queued.push_back(std::move(e));
+      cur_->queued.clear();
+    }
   }
 
   // Runs fn with d as the current document in every respect, then puts
@@ -325,7 +332,16 @@ class Manager : public AcApDocManager {
     }
     cur_ = d;
     install(d);
+    lisp::Interp* in = lisp::Interp::current();
+    size_t queuedBefore = in ? in->queued.size() : 0;
     fn();
+    if (in && in->queued.size() > queuedBefore) {
+      // What fn queued (ads_queueexpr) runs in d, when d is current at an
+      // idle time; a document that closes takes its expressions with it.
+      auto first = in->queued.begin() + static_cast<std::ptrdiff_t>(queuedBefore);
+      if (find(d)) d->queued.insert(d->queued.end(), first, in->queued.end());
+      in->queued.erase(first, in->queued.end());
+    }
     if (lispAway) {
       // d may have closed meanwhile only through fn; its symbols are kept
       // if it is still open.

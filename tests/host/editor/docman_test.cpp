@@ -50,6 +50,7 @@ AcRx::AppRetCode watchEntry(AcRx::AppMsgCode msg, void*) {
       journal.push_back("load " + title());
       acedDefun(u"watch-doc", 0);
       acedRegFunc(watchFn, 0);
+      ads_queueexpr(u"(setq queued-in (watch-doc))");
       break;
     case AcRx::kUnloadDwgMsg:
       journal.push_back("unload " + title());
@@ -157,6 +158,21 @@ TEST_F(Documents, ModulesHearOfEveryDocument) {
   // Loaded with two documents open: each gets kLoadDwgMsg, current at the time.
   std::string firstTitle = sys::toUtf8(first->docTitle());
   EXPECT_EQ(journal, (std::vector<std::string>{"init", "load " + firstTitle, "load " + second}));
+  EXPECT_EQ(eval("(watch-doc)"), "\"" + second + "\"");
+  // What the module queued for each document runs in that document, when
+  // it is current at an idle time.
+  EXPECT_EQ(eval("queued-in"), "\"" + second + "\"");
+  acDocManager->activateDocument(first);
+  ed::documentsIdle();
+  EXPECT_EQ(eval("queued-in"), "\"" + firstTitle + "\"");
+  {
+    AcApDocumentIterator* it = acDocManager->newAcApDocumentIterator();
+    for (; !it->done(); it->step()) {
+      if (sys::toUtf8(it->document()->docTitle()) == second) acDocManager->activateDocument(it->document());
+    }
+    delete it;
+  }
+  ed::documentsIdle();
   EXPECT_EQ(eval("(watch-doc)"), "\"" + second + "\"");
   journal.clear();
   newDocument();
