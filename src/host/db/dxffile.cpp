@@ -158,7 +158,7 @@ bool readDxf(const std::string& path, std::unique_ptr<AcDbDatabase>* out, std::s
     return false;
   }
   std::string err;
-  const bool ok = readDxfBytes(std::string_view(buffer.get(), size), out, &err, options);
+  const bool ok = readDxfBytes(std::string_view(buffer.get(), size), out, &err, options, true);
   buffer.reset();
   // What reading used and gave back (the file, its groups, each record's
   // items) is returned to the system, so that the open drawing holds only

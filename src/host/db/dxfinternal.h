@@ -27,6 +27,12 @@ struct DxfFileData {
   std::vector<KeptSection> sections;
 };
 
+// Reads as readDxfBytes does. When `bytesAreOurs`, the bytes are the
+// caller's own buffer, which it drops after reading: the reader may give
+// back the memory of those it is past (their content is then gone).
+bool readDxfBytes(std::string_view bytes, std::unique_ptr<AcDbDatabase>* out, std::string* error,
+                  const DxfReadOptions& options, bool bytesAreOurs);
+
 // Writes the database as writeDxfBytes does, handing the bytes to `append`
 // a piece at a time as they are made (false from it stops writing).
 bool writeDxfPieces(AcDbDatabase* db, const std::function<bool(std::string_view)>& append, std::string* error);

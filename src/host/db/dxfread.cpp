@@ -19,6 +19,8 @@
 // second kind). R12 files have no subclass markers, no owners and often no
 // handles: the reader adds the markers, gives the objects handles and
 // owners, and makes the block records R12 does not store.
+#include <sys/mman.h>
+
 #include <algorithm>
 #include <map>
 #include <unordered_map>
@@ -127,6 +129,9 @@ class Reader {
  public:
   Reader(AcDbDatabase* db, const std::vector<Group>& groups, int version, std::vector<std::string>* warnings)
       : db_(db), g_(groups), warnings_(warnings), r12_(version > 0 && version < 1012) {}
+  // The file's bytes are the reader's own: those it is past may be given
+  // back to the system as it goes (see releaseBefore).
+  void mayRelease(std::string_view bytes) { bytes_ = bytes; }
 
   bool run(const dxf::Layout& layout);
   const std::string& error() const { return error_; }
@@ -168,6 +173,13 @@ class Reader {
   // (top-level entities in order) and `complexes`.
   bool readEntityRun(const Section& s, size_t first, size_t last, Place place, AcDbObjectId owner,
                      std::vector<AcDbObjectId>& out);
+
+  // Gives back to the system the memory of the groups before `index`, and
+  // of the file's bytes before that group's when they are the reader's own:
+  // the entities of the ENTITIES section are read once, in order, and
+  // nothing looks back at their groups, so most of what a file takes is
+  // free again before the drawing is whole. Done a few megabytes at a time.
+  void releaseBefore(size_t index);
 
   // ---- structure
   AcDbObjectId blockRecordByName(const std::u16string& name) const {
@@ -213,6 +225,9 @@ class Reader {
   std::vector<DxfItem> spareItems_;            // room for the next record's items
   int polylineFlags_ = 0;                      // of the polyline being read (R12 vertices)
   AcDbObjectId lastSpace_;                     // the block record an entity named as owner last
+  std::string_view bytes_;                     // the file's bytes, when the reader may release them
+  size_t groupsReleased_ = 0;                  // bytes of the group list given back
+  size_t bytesReleased_ = 0;                   // and of the file
 };
 
 // ---------------------------------------------------------------- records
@@ -725,11 +740,33 @@ bool Reader::linkEntities(AcDbObjectId blockRecord, const std::vector<AcDbObject
   return true;
 }
 
+void Reader::releaseBefore(size_t index) {
+  constexpr uintptr_t kPage = 4096;
+  constexpr size_t kStep = size_t{4} << 20;
+  auto release = [&](const void* data, size_t upto, size_t& done) {
+    const auto base = reinterpret_cast<uintptr_t>(data);
+    const uintptr_t begin = (base + done + kPage - 1) & ~(kPage - 1);
+    const uintptr_t end = (base + upto) & ~(kPage - 1);
+    if (end < begin + kStep) return;
+    ::madvise(reinterpret_cast<void*>(begin), end - begin, MADV_DONTNEED);
+    done = end - base;
+  };
+  if (index >= g_.size()) return;
+  release(g_.data(), index * sizeof(Group), groupsReleased_);
+  const Group& g = g_[index];
+  if (bytes_.empty() || !g.isText()) return;
+  const char* at = g.text().data();
+  // Decoded text is elsewhere; the file's text views its own line.
+  if (at < bytes_.data() || at > bytes_.data() + bytes_.size()) return;
+  release(bytes_.data(), static_cast<size_t>(at - bytes_.data()), bytesReleased_);
+}
+
 bool Reader::readEntityRun(const Section& s, size_t first, size_t last, Place place, AcDbObjectId owner,
                            std::vector<AcDbObjectId>& out) {
   Complex* open = nullptr;  // the polyline or block reference whose parts follow
   bool openIsPolyline = false;
   for (size_t k = first; k < last; ++k) {
+    if (place == Place::Entities && k % 4096 == 0) releaseBefore(s.records[k].begin);
     Record rec;
     if (!loadRecord(s.records[k], rec)) return false;
     const bool part = rec.name == "VERTEX" || rec.name == "ATTRIB" || rec.name == "SEQEND";
@@ -870,6 +907,8 @@ bool Reader::readEntities(const Section& s) {
     if (type == "BLOCK" || type == "ENDBLK" || type == "TABLE" || type == "ENDTAB")
       return fail(g_[r.begin].line, "0/" + std::string(type) + " does not belong in the ENTITIES section");
   }
+  // The section's own line, before the run releases its groups.
+  const int sectionLine = g_[s.start].line;
   if (!readEntityRun(s, 0, s.records.size(), Place::Entities, AcDbObjectId(), ids)) return false;
   // Into their spaces, in file order.
   // Each run of entities of one space joins it at once.
@@ -877,7 +916,7 @@ bool Reader::readEntities(const Section& s) {
     size_t end = k + 1;
     while (end < ids.size() && entityOwners_[end] == entityOwners_[k]) ++end;
     std::vector<AcDbObjectId> run(ids.begin() + static_cast<std::ptrdiff_t>(k), ids.begin() + static_cast<std::ptrdiff_t>(end));
-    if (!linkEntities(entityOwners_[k], run, g_[s.start].line)) return false;
+    if (!linkEntities(entityOwners_[k], run, sectionLine)) return false;
     k = end;
   }
   return true;
@@ -973,6 +1012,11 @@ bool Reader::run(const dxf::Layout& layout) {
 
 bool readDxfBytes(std::string_view bytes, std::unique_ptr<AcDbDatabase>* out, std::string* error,
                   const DxfReadOptions& options) {
+  return readDxfBytes(bytes, out, error, options, false);
+}
+
+bool readDxfBytes(std::string_view bytes, std::unique_ptr<AcDbDatabase>* out, std::string* error,
+                  const DxfReadOptions& options, bool bytesAreOurs) {
   dxf::ReadOptions ro;
   if (options.fallbackCodePage) ro.fallbackCodePage = options.fallbackCodePage;
   dxf::GroupList rr = dxf::readGroupList(bytes, ro);
@@ -991,6 +1035,7 @@ bool readDxfBytes(std::string_view bytes, std::unique_ptr<AcDbDatabase>* out, st
     options.warnings->insert(options.warnings->end(), layout.warnings.begin(), layout.warnings.end());
   auto db = std::make_unique<AcDbDatabase>();
   Reader reader(db.get(), rr.groups, dxf::versionNumber(rr.version), options.warnings);
+  if (bytesAreOurs) reader.mayRelease(bytes);
   if (!reader.run(layout)) {
     if (error) *error = reader.error();
     return false;

@@ -488,6 +488,47 @@ TEST_F(DxfFileTest, ASavedDrawingReadsBackToTheSameFile) {
   EXPECT_TRUE(sameFile(first, write(again.get())));
 }
 
+// A large file read from its path, whose memory the reader gives back as it
+// goes, makes the same drawing and the same warnings as its bytes read from
+// memory.
+TEST_F(DxfFileTest, ALargeFileReadFromItsPathIsTheSameAsItsBytes) {
+  const int lines = 60000;
+  std::string text = "  0\nSECTION\n  2\nENTITIES\n";
+  for (int i = 0; i < lines; ++i) {
+    char handle[16];
+    std::snprintf(handle, sizeof handle, "%X", 0x100 + i);
+    text += "  0\nLINE\n  5\n" + std::string(handle) + "\n100\nAcDbEntity\n  8\n0\n100\nAcDbLine\n 10\n" +
+            std::to_string(i) + ".5\n 20\n" + std::to_string(-i) + ".25\n 30\n0.0\n 11\n" + std::to_string(i + 1) +
+            ".0\n 21\n2.0\n 31\n0.0\n";
+  }
+  // Near the end, a record that draws a warning naming its line.
+  const int seqendLine = static_cast<int>(std::count(text.begin(), text.end(), '\n')) + 1;
+  text += "  0\nSEQEND\n  5\nFFFFF\n  0\nENDSEC\n  0\nEOF\n";
+
+  char dir[] = "/tmp/zepk-dxffile-XXXXXX";
+  ASSERT_NE(mkdtemp(dir), nullptr);
+  const std::string path = std::string(dir) + "/large.dxf";
+  std::ofstream(path, std::ios::binary) << text;
+  std::unique_ptr<AcDbDatabase> fromPath;
+  std::string error;
+  std::vector<std::string> pathWarnings;
+  DxfReadOptions opt;
+  opt.warnings = &pathWarnings;
+  ASSERT_TRUE(zepk::db::readDxf(path, &fromPath, &error, opt)) << error;
+  std::remove(path.c_str());
+  rmdir(dir);
+
+  auto fromBytes = read(text);
+  ASSERT_TRUE(fromBytes);
+  EXPECT_EQ(pathWarnings, warnings);
+  EXPECT_NE(std::find(warnings.begin(), warnings.end(),
+                      "line " + std::to_string(seqendLine) + ": SEQEND FFFFF outside a polyline or block reference"),
+            warnings.end());
+  const std::string saved = write(fromPath.get());
+  EXPECT_TRUE(saved == write(fromBytes.get()));
+  EXPECT_NE(saved.find("\r\n 10\r\n" + std::to_string(lines - 1) + ".5\r\n"), std::string::npos);
+}
+
 // ---------------------------------------------------------------- malformed files
 
 std::vector<std::string> kR12Lines();
