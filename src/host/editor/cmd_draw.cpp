@@ -551,8 +551,10 @@ AcDbObjectId blockOfAnswer(const std::u16string& answer, std::u16string* name) {
 }
 
 // A scale factor or a point (the opposite corner); RTKWORD for keywords.
-int scaleOrCorner(const std::u16string& prompt, double* factor, double corner[3], bool* isCorner, const double* base) {
+int scaleOrCorner(const std::u16string& prompt, const char16_t* keywords, double* factor, double corner[3],
+                  bool* isCorner, const double* base) {
   for (;;) {
+    initGet(RSG_OTHER, keywords);
     int st = getPoint(base, prompt, corner);
     if (st == RTNORM) {
       *isCorner = true;
@@ -613,7 +615,7 @@ void cmdInsert() {
   double sx = 1, sy = 1, sz = 1, rot = 0;
   bool scaleSet = false, rotSet = false;
   for (;;) {
-    initGet(0, u"Basepoint Scale X Y Z Rotate");
+    initGet(RSG_NONULL, u"Basepoint Scale X Y Z Rotate");
     int st = getPoint(nullptr, u"\nSpecify insertion point or [Basepoint/Scale/X/Y/Z/Rotate]: ", ins);
     if (st == RTNORM) break;
     if (st != RTKWORD) return;
@@ -640,17 +642,15 @@ void cmdInsert() {
   if (!scaleSet) {
     double corner[3];
     bool isCorner = false;
-    initGet(0, u"Corner XYZ");
-    int st = scaleOrCorner(u"\nEnter X scale factor, specify opposite corner, or [Corner/XYZ] <1>: ", &sx, corner,
-                           &isCorner, ins);
+    int st = scaleOrCorner(u"\nEnter X scale factor, specify opposite corner, or [Corner/XYZ] <1>: ", u"Corner XYZ",
+                           &sx, corner, &isCorner, ins);
     if (st == RTKWORD && lastInputKeyword() == u"Corner") {
       if (getPoint(ins, u"\nSpecify opposite corner: ", corner) != RTNORM) return;
       isCorner = true;
       st = RTNORM;
     }
     if (st == RTKWORD) {  // XYZ
-      initGet(0, u"Corner");
-      st = scaleOrCorner(u"\nSpecify X scale factor or [Corner] <1>: ", &sx, corner, &isCorner, ins);
+      st = scaleOrCorner(u"\nSpecify X scale factor or [Corner] <1>: ", u"Corner", &sx, corner, &isCorner, ins);
       if (st == RTKWORD) {
         if (getPoint(ins, u"\nSpecify opposite corner: ", corner) != RTNORM) return;
         isCorner = true;

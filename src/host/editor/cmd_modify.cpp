@@ -55,6 +55,7 @@ void cmdRotate() {
   std::vector<AcDbObjectId> ids;
   if (!selectObjects(&ids) || ids.empty()) return;
   double base[3];
+  initGet(RSG_NONULL, u"");
   if (getPoint(nullptr, u"\nSpecify base point: ", base) != RTNORM) return;
   bool copy = false;
   double angle = 0;
@@ -103,6 +104,7 @@ void cmdScale() {
   std::vector<AcDbObjectId> ids;
   if (!selectObjects(&ids) || ids.empty()) return;
   double base[3];
+  initGet(RSG_NONULL, u"");
   if (getPoint(nullptr, u"\nSpecify base point: ", base) != RTNORM) return;
   bool copy = false;
   double factor = 1;
@@ -201,8 +203,10 @@ void cmdMirror() {
   std::vector<AcDbObjectId> ids;
   if (!selectObjects(&ids) || ids.empty()) return;
   double a[3], b[3];
+  initGet(RSG_NONULL, u"");
   if (getPoint(nullptr, u"\nSpecify first point of mirror line: ", a) != RTNORM) return;
   for (;;) {
+    initGet(RSG_NONULL, u"");
     if (getPoint(a, u"\nSpecify second point of mirror line: ", b) != RTNORM) return;
     if (std::hypot(b[0] - a[0], b[1] - a[1]) > 0) break;
     say("Points must be distinct.\n");
