@@ -101,6 +101,12 @@ ERASE ALL
 (list (g 41 (entlast)) (g 42 (entlast)) (g 1 (entnext (entlast))))
 (setvar "ATTREQ" 1)
 -INSERT NOSUCH
+; Mirrored, the reference gets a negative X scale and its attribute still
+; reads forwards.
+(setvar "CMDECHO" 0)
+(command "MIRROR" ref "" '(0 0) '(0 10) "Y")
+(setvar "CMDECHO" 1)
+(list (g 10 ref) (g 41 ref) (g 42 ref) (g 50 ref) (g 10 (entnext ref)) (g 71 (entnext ref)))
 (setvar "CMDECHO" 0)
 (command "EXPLODE" ref "")
 (setvar "CMDECHO" 1)
@@ -135,3 +141,7 @@ NEW .
 -INSERT part 5,5 C 7,8 0
 ; The new drawing has its own symbols: the list is read directly.
 (mapcar '(lambda (c) (cdr (assoc c (entget (entlast))))) '(2 41 42))
+; NEW from a template drawing, and from one that is not there.
+NEW part.dxf
+(sslength (ssget "X"))
+NEW nosuch.dxf
