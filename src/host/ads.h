@@ -189,11 +189,16 @@ int acdbEntLast(ads_name result);
 int acdbHandEnt(const ACHAR* handle, ads_name entres);
 int acdbEntUpd(const ads_name ent);
 
-// Selection sets. acedSSGet takes the modes that need no picking: "X" (the
-// whole drawing), "L" (the last entity), "P" (the previous selection), "I"
-// (the selection made before the command), each with a filter list (see
-// host/ssfilter.h); nothing selected gives RTERROR. Sets live until
-// acedSSFree.
+// Selection sets. acedSSGet takes a mode and a filter list (see
+// host/ssfilter.h): "X" (the whole drawing), "L" (the last entity), "P"
+// (the previous selection), "I" (the selection made before the command),
+// "W" and "C" (a window and a crossing window; pt1 and pt2 are corners),
+// "WP", "CP" and "F" (window and crossing polygons, fences; pt1 is a chain
+// of RTPOINT or RT3DPOINT nodes); a null mode picks at pt1 when given, else
+// asks "Select objects:" (host/editor/selectmodes.h), as do the option
+// strings ":S" (one selection), ":E" (all under a pick), ":L" (none on
+// locked layers). Nothing selected gives RTERROR, a cancel RTCAN. Sets
+// live until acedSSFree.
 int acedSSGet(const ACHAR* str, const void* pt1, const void* pt2, const resbuf* filter, ads_name ss);
 int acedSSFree(const ads_name sname);
 int acedSSLength(const ads_name sname, int32_t* len);

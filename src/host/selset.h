@@ -33,4 +33,12 @@ void setCurrentSelectionSets(std::shared_ptr<SelectionSets> sets);
 std::vector<AcDbObjectId>& pickfirstSet();
 const std::vector<AcDbObjectId>& previousSet();
 
+// The selections acedSSGet leaves to the editor: picking, windows,
+// polygons, fences and asking the user (mode as given, null for none; the
+// points as acedSSGet takes them). Returns RTNORM with the entities,
+// RTCAN when the user cancelled, RTERROR for a mode it does not know.
+using EditorSelection = int (*)(const ACHAR* mode, const void* pt1, const void* pt2,
+                                const std::vector<DxfItem>& filter, std::vector<AcDbObjectId>* out);
+void setEditorSelection(EditorSelection fn);
+
 }  // namespace zepk::db

@@ -69,6 +69,7 @@
 (handles (ssget "L"))
 (handles (ssget "P"))
 (ssget)
+
 (ssget "W" '(0 0) '(1 1))
 ; Building sets by hand.
 (type (setq ss (ssadd)))

@@ -132,17 +132,19 @@ void setCurrentSelectionSets(std::shared_ptr<SelectionSets> s) {
 std::vector<AcDbObjectId>& pickfirstSet() { return sets().pickfirst; }
 const std::vector<AcDbObjectId>& previousSet() { return sets().previous; }
 
+namespace {
+EditorSelection editorSelection = nullptr;
+}
+void setEditorSelection(EditorSelection fn) { editorSelection = fn; }
+
 }  // namespace zepk::db
 
 using namespace zepk;
 
 int acedSSGet(const ACHAR* str, const void* pt1, const void* pt2, const resbuf* filter, ads_name ss) {
-  (void)pt1;
-  (void)pt2;
   if (!ss) return RTERROR;
   ads_name_clear(ss);
-  if (!str) return RTERROR;  // picking on screen: the editor's
-  std::u16string mode(str);
+  std::u16string mode(str ? str : u"");
   if (!mode.empty() && mode[0] == u'_') mode.erase(0, 1);
   for (char16_t& c : mode)
     if (c >= u'a' && c <= u'z') c = static_cast<char16_t>(c - u'a' + u'A');
@@ -162,7 +164,10 @@ int acedSSGet(const ACHAR* str, const void* pt1, const void* pt2, const resbuf* 
   } else if (mode == u"I") {
     if (!db::filterIds(db::pickfirstSet(), f, &ids)) return RTERROR;
   } else {
-    return RTERROR;
+    // Picking, windows and asking: the editor's.
+    if (!db::editorSelection) return RTERROR;
+    int st = db::editorSelection(str, pt1, pt2, f, &ids);
+    if (st != RTNORM) return st;
   }
   if (ids.empty()) return RTERROR;
   db::makeSet(std::move(ids), ss);

@@ -16,6 +16,7 @@
 #include "host/editor/cmd_common.h"
 #include "host/editor/commands.h"
 #include "host/editor/input.h"
+#include "host/editor/selectmodes.h"
 #include "host/editor/sysvars.h"
 #include "host/entlist.h"
 #include "host/gemat3d.h"
@@ -246,67 +247,14 @@ void cmdText() {
 
 // ------------------------------------------------------------- selection
 
-// "Select objects:" until Enter: entity names, sets, "L", "ALL", "P".
-// False when cancelled.
+// "Select objects:" through the editor's shared prompt (selectmodes.h),
+// leaving out entities on locked layers. False when cancelled.
 }  // namespace
 
 bool cmd::selectObjects(std::vector<AcDbObjectId>* out) {
-  for (;;) {
-    Answer a;
-    if (cmds().next(u"\nSelect objects: ", false, &a) != RTNORM) return false;
-    std::vector<AcDbObjectId> found;
-    auto addName = [&](const int64_t n[2]) {
-      ads_name en = {n[0], n[1]};
-      AcDbObjectId id;
-      if (acdbGetObjectId(id, en) == Acad::eOk && !id.isNull() && !id.isErased()) found.push_back(id);
-    };
-    auto addSet = [&](const ads_name ss) {
-      int32_t len = 0;
-      acedSSLength(ss, &len);
-      for (int32_t i = 0; i < len; ++i) {
-        ads_name en;
-        if (acedSSName(ss, i, en) == RTNORM) addName(en);
-      }
-    };
-    if (a.kind == Answer::Name) {
-      addName(a.name);
-    } else if (a.kind == Answer::Picks) {
-      ads_name ss = {a.name[0], a.name[1]};
-      addSet(ss);
-    } else if (a.kind == Answer::Text) {
-      std::u16string t = upper(a.text);
-      if (t.empty()) return true;
-      ads_name ss;
-      if (t == u"L" || t == u"LAST") {
-        ads_name en;
-        if (acdbEntLast(en) == RTNORM) addName(en);
-      } else if (t == u"ALL" || t == u"P" || t == u"PREVIOUS") {
-        if (acedSSGet(t == u"ALL" ? u"X" : u"P", nullptr, nullptr, nullptr, ss) == RTNORM) {
-          addSet(ss);
-          acedSSFree(ss);
-        }
-      } else {
-        say("*Invalid selection*\n");
-        continue;
-      }
-    } else {
-      say("*Invalid selection*\n");
-      continue;
-    }
-    size_t dup = 0;
-    for (const AcDbObjectId& id : found) {
-      bool have = false;
-      for (const AcDbObjectId& o : *out) have = have || o == id;
-      if (have) {
-        ++dup;
-      } else {
-        out->push_back(id);
-      }
-    }
-    std::string msg = std::to_string(found.size()) + " found";
-    if (dup) msg += " (" + std::to_string(dup) + " duplicate)";
-    say(msg + ", " + std::to_string(out->size()) + " total\n");
-  }
+  SelectOptions opt;
+  opt.rejectLocked = true;
+  return zepk::editor::selectObjects(opt, out) == RTNORM;
 }
 
 namespace {

@@ -1,4 +1,4 @@
-// Selection sets: ssget (the modes that need no picking), ssadd, ssdel,
+// Selection sets: ssget, ssadd, ssdel,
 // sslength, ssname, ssmemb, ssgetfirst, sssetfirst.
 #include "host/dbapserv.h"
 #include "host/lisp/drawing.h"
@@ -21,33 +21,60 @@ bool isFilterList(const Value& v) {
   return !toPoint(v, p);
 }
 
-// (ssget [mode] [point [point]] [filter]): without picking on screen, the
-// modes are "X" (the whole drawing), "L" (the last entity), "P" (the
-// previous selection) and "I" (the selection made before); a selection
-// that asks for picking selects nothing here.
+// (ssget [mode] [point [point] | point-list] [filter]): no mode asks
+// ("Select objects:", or picks at the point given); "W" and "C" take two
+// corners, "WP", "CP" and "F" a list of points; "X", "L", "P", "I" and the
+// option strings (":S", ":E", ":L"...) as acedSSGet takes them. A filter
+// list comes last. Nothing selected gives nil.
 Value fnSsget(Interp& in, ArgSpan a) {
   checkArgc(in, a, 0, 4);
-  const Value* mode = nullptr;
-  const Value* filter = nullptr;
-  for (size_t i = 0; i < a.size; ++i) {
-    if (i == 0 && a[i].isStr()) {
-      mode = &a[i];
-    } else if (i + 1 == a.size && isFilterList(a[i])) {
-      filter = &a[i];
+  size_t i = 0;
+  std::u16string mode;
+  bool haveMode = a.size > 0 && a[0].isStr();
+  if (haveMode) mode = a[i++].as<String>()->s;
+  std::u16string m = mode;
+  for (char16_t& c : m)
+    if (c >= u'a' && c <= u'z') c = static_cast<char16_t>(c - 32);
+  if (!m.empty() && m[0] == u'_') m.erase(0, 1);
+  double p1[3] = {0, 0, 0}, p2[3] = {0, 0, 0};
+  bool havePt1 = false;
+  resbuf* pointList = nullptr;
+  struct Chain {
+    resbuf*& rb;
+    ~Chain() { acutRelRb(rb); }
+  } guard{pointList};
+  if (m == u"WP" || m == u"CP" || m == u"F") {
+    if (i >= a.size || !a[i].isCons()) in.fail(u"bad point argument");
+    resbuf** tail = &pointList;
+    for (Value v = a[i++]; v.isCons(); v = cdr(v)) {
+      double p[3];
+      argPoint(in, car(v), p);
+      *tail = acutNewRb(RT3DPOINT);
+      for (int k = 0; k < 3; ++k) (*tail)->resval.rpoint[k] = p[k];
+      tail = &(*tail)->rbnext;
     }
+  } else if (m == u"W" || m == u"C") {
+    if (i + 1 >= a.size) in.fail(u"bad point argument");
+    argPoint(in, a[i++], p1);
+    argPoint(in, a[i++], p2);
+  } else if (!haveMode && i < a.size && !isFilterList(a[i])) {
+    argPoint(in, a[i++], p1);
+    havePt1 = true;
   }
   std::vector<db::DxfItem> groups;
-  if (filter) {
+  if (i < a.size) {
+    if (i + 1 != a.size || !isFilterList(a[i])) in.fail(u"bad argument type");
     Value bad;
-    if (!listToGroups(*filter, &groups, &bad)) in.fail(u"bad SSGET list value");
+    if (!listToGroups(a[i], &groups, &bad)) in.fail(u"bad SSGET list value");
     std::vector<AcDbObjectId> none;
     if (!db::filterIds({}, groups, &none)) in.fail(u"bad SSGET list value");
   }
-  if (!mode) return Value();
   resbuf* chain = db::groupsToChain(groups);
   ads_name ss;
-  int st = acedSSGet(mode->as<String>()->s.c_str(), nullptr, nullptr, chain, ss);
+  const void* pt1 = pointList ? static_cast<const void*>(pointList) : (havePt1 || m == u"W" || m == u"C") ? p1 : nullptr;
+  int st = acedSSGet(haveMode ? mode.c_str() : nullptr, pt1, m == u"W" || m == u"C" ? p2 : nullptr, chain, ss);
   acutRelRb(chain);
+  if (st == RTCAN) in.fail(u"Function cancelled");
   if (st != RTNORM) return Value();
   return picksetValue(ss);
 }
