@@ -72,6 +72,44 @@ int acedGetReal(const ACHAR* prompt, ads_real* result);
 int acedGetInt(const ACHAR* prompt, int* result);
 int acedGetDist(const ads_point pt, const ACHAR* prompt, ads_real* result);
 int acedGetAngle(const ads_point pt, const ACHAR* prompt, ads_real* result);
+// The angle as an absolute direction (east 0, counter-clockwise), whatever
+// ANGBASE and ANGDIR are; a typed angle is read as they say.
+int acedGetOrient(const ads_point pt, const ACHAR* prompt, ads_real* result);
+// The other corner of a rectangle from pt (relative input starts at pt).
+int acedGetCorner(const ads_point pt, const ACHAR* prompt, ads_point result);
 int acedGetString(int cronly, const ACHAR* prompt, ACHAR* result, size_t bufLen);
 int acedGetKword(const ACHAR* prompt, ACHAR* result, size_t bufLen);
 int acedGetInput(ACHAR* str, size_t bufLen);
+
+// Picking one entity by a point (the prompt defaults to "Select object: ").
+// acedEntSel gives the entity under the point and the point; a pick on
+// nothing gives RTERROR with ERRNO 7 and Enter RTERROR with ERRNO 52;
+// "Last" takes the last entity. A keyword of acedInitGet gives RTKWORD.
+// acedNEntSel goes into block references to the entity picked there,
+// giving the transform of its coordinates to the world as four points (the
+// images of the X, Y and Z axes and of the origin) and the chain of
+// references holding it (RTENAME nodes, the innermost first; the caller
+// releases it); for an entity that no reference holds the chain is null.
+// acedNEntSelP gives the transform as a 4x4 matrix; with pickflag it picks
+// at ptres without asking.
+int acedEntSel(const ACHAR* str, ads_name entres, ads_point ptres);
+int acedNEntSel(const ACHAR* str, ads_name entres, ads_point ptres, ads_point xformres[4], resbuf** refstkres);
+int acedNEntSelP(const ACHAR* str, ads_name entres, ads_point ptres, int pickflag, ads_matrix xformres,
+                 resbuf** refstkres);
+
+// A file name asked on the command line. The prompt is the title, with
+// the default in angle brackets; Enter takes the default. ext is the
+// extension (several separated by ";") added to a name typed without one.
+// Flags: 1 a new file (an existing one is confirmed before it is
+// overwritten unless 32 is set), 4 any extension may be typed as given,
+// 16 the default names a folder. A name to open must exist. RTNORM puts
+// the name in result (an RTSTR the caller frees), RTERROR when the user
+// gave none, RTCAN when cancelled.
+int acedGetFileD(const ACHAR* title, const ACHAR* defawlt, const ACHAR* ext, int flags, resbuf* result);
+
+// A progress meter on the status bar, drawn on standard error when that is
+// a terminal. The meter runs from min to max; pos is clamped to them.
+// Each returns 0, or -1 when no meter is set (or min is not below max).
+int acedSetStatusBarProgressMeter(const ACHAR* pszLabel, int nMinPos, int nMaxPos);
+int acedSetStatusBarProgressMeterPos(int nPos);
+void acedRestoreStatusBar();

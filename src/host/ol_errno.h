@@ -8,6 +8,7 @@ enum : int {
   OL_ESNVALID = 1,     // invalid symbol table name
   OL_ENAMEVALID = 2,   // invalid entity or selection set name
   OL_ESSVALID = 4,     // invalid selection set
+  OL_ENTSELPICK = 7,   // entsel: the pick found no entity
   OL_EEOEF = 8,        // end of the entity file
   OL_EEMPDB = 10,      // entlast: the drawing is empty
   OL_EHANDLE = 13,     // invalid handle
@@ -25,6 +26,7 @@ enum : int {
   OL_EMKBNAME = 39,    // invalid block name
   OL_EMKNOBNM = 43,    // missing block name
   OL_EMKMANDF = 47,    // mandatory field missing
+  OL_ENTSELNULL = 52,  // entsel: Enter instead of a pick
 };
 
 namespace zepk {

@@ -1,6 +1,10 @@
 // Input functions: points, numbers, strings and keywords read from the
 // pending answers, with the restrictions set by acedInitGet.
 #include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <sys/stat.h>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -8,6 +12,8 @@
 #include "host/editor/input.h"
 #include "host/editor/sysvars.h"
 #include "host/lisp/units.h"
+#include "host/system/paths.h"
+#include "host/system/utf.h"
 
 namespace zepk::editor {
 
@@ -249,7 +255,29 @@ int getReal(const std::u16string& prompt, double* out, bool integer, const doubl
   }
 }
 
-int getAngle(const double* base, const std::u16string& prompt, double* out) {
+namespace {
+
+double sysNumber(const char16_t* name) {
+  SysValue v;
+  if (!getSysVar(name, &v)) return 0;
+  return v.kind == SysValue::Real ? v.r : v.kind == SysValue::Int ? v.i : 0;
+}
+
+double normalAngle(double v) {
+  v = std::fmod(v, 2 * M_PI);
+  if (v < 0) v += 2 * M_PI;
+  return v;
+}
+
+// The absolute direction of a typed angle (see typedAngle).
+bool typedDirection(std::u16string_view text, double* out) {
+  double v = 0;
+  if (!typedAngle(text, &v)) return false;
+  *out = sysNumber(u"ANGBASE") + v;
+  return true;
+}
+
+int angleInput(const double* base, const std::u16string& prompt, double* out, bool orient) {
   InitGet g = std::move(pending);
   pending = InitGet{};
   for (;;) {
@@ -266,22 +294,66 @@ int getAngle(const double* base, const std::u16string& prompt, double* out) {
       v = (a.kind == Answer::Real ? a.r : a.i) * M_PI / 180.0, ok = true;
       if (angleSysInt(u"ANGDIR") == 1) v = -v;
     } else if (a.kind == Answer::Text && typedAngle(a.text, &v)) {
+      // A number from a program: degrees from ANGBASE in the sense of ANGDIR.
+      double deg = (a.kind == Answer::Real ? a.r : a.i) * M_PI / 180.0;
+      v = sysNumber(u"ANGBASE") + (angleSysInt(u"ANGDIR") == 1 ? -deg : deg), ok = true;
+    } else if (a.kind == Answer::Text && typedDirection(a.text, &v)) {
       ok = true;
     } else if (base && (a.kind == Answer::Point || (a.kind == Answer::Text && parsePoint(a.text, base, p)))) {
       if (a.kind == Answer::Point)
         for (int i = 0; i < 3; ++i) p[i] = a.p[i];
       // A direction shown by a point counts from ANGBASE too.
       v = std::atan2(p[1] - base[1], p[0] - base[0]) - angleSysReal(u"ANGBASE"), ok = true;
+      v = std::atan2(p[1] - base[1], p[0] - base[0]), ok = true;
+    } else if (a.kind == Answer::Text && (g.bits & RSG_OTHER)) {
+      lastKeyword = a.text;
+      return RTKWORD;
     }
     if (!ok) {
       message("Requires valid numeric angle or second point.");
       continue;
     }
-    v = std::fmod(v, 2 * M_PI);
-    if (v < 0) v += 2 * M_PI;
-    *out = v;
+    *out = normalAngle(orient ? v : v - sysNumber(u"ANGBASE"));
     return RTNORM;
   }
+}
+
+}  // namespace
+
+int getAngle(const double* base, const std::u16string& prompt, double* out) {
+  return angleInput(base, prompt, out, false);
+}
+
+int getOrient(const double* base, const std::u16string& prompt, double* out) {
+  return angleInput(base, prompt, out, true);
+}
+
+int getPickPoint(const std::u16string& prompt, double out[3], std::u16string* other, int64_t name[2]) {
+  InitGet g = std::move(pending);
+  pending = InitGet{};
+  Answer a;
+  int st = common(g, prompt, false, &a);
+  if (st == RTNONE && (g.bits & RSG_NONULL)) st = RTREJ;
+  if (st != RTNORM) return st;
+  if (a.kind == Answer::Point) {
+    for (int i = 0; i < 3; ++i) out[i] = a.p[i];
+    return RTNORM;
+  }
+  if (a.kind == Answer::Name) {
+    name[0] = a.name[0], name[1] = a.name[1];
+    other->clear();
+    return RTREJ;
+  }
+  double last[3];
+  currentLastPoint(last);
+  if (a.kind == Answer::Text && parsePoint(a.text, last, out)) return RTNORM;
+  if (a.kind == Answer::Text && (g.bits & RSG_OTHER)) {
+    lastKeyword = a.text;
+    return RTKWORD;
+  }
+  name[0] = name[1] = 0;
+  *other = a.kind == Answer::Text ? a.text : u"?";
+  return RTREJ;
 }
 
 int getString(bool spaces, const std::u16string& prompt, std::u16string* out) {
@@ -358,6 +430,15 @@ int acedGetAngle(const ads_point pt, const ACHAR* prompt, ads_real* result) {
   return getAngle(pt, text(prompt), result);
 }
 
+int acedGetOrient(const ads_point pt, const ACHAR* prompt, ads_real* result) {
+  return getOrient(pt, text(prompt), result);
+}
+
+int acedGetCorner(const ads_point pt, const ACHAR* prompt, ads_point result) {
+  if (!pt) return RTERROR;
+  return getPoint(pt, text(prompt), result);
+}
+
 int acedGetInt(const ACHAR* prompt, int* result) {
   double v = 0;
   int st = getReal(text(prompt), &v, true, nullptr);
@@ -380,3 +461,78 @@ int acedGetKword(const ACHAR* prompt, ACHAR* result, size_t bufLen) {
 }
 
 int acedGetInput(ACHAR* str, size_t bufLen) { return copyOut(lastKeyword, str, bufLen); }
+
+namespace {
+
+bool exists(const std::u16string& name, bool* folder) {
+  struct stat st;
+  if (::stat(zepk::sys::toNativePath(name).c_str(), &st) != 0) return false;
+  *folder = S_ISDIR(st.st_mode);
+  return true;
+}
+
+// The name with the first of the extensions when it has none.
+std::u16string withExtension(std::u16string name, std::u16string_view ext) {
+  size_t semi = ext.find(u';');
+  std::u16string first(ext.substr(0, semi));
+  while (!first.empty() && (first[0] == u'*' || first[0] == u'.')) first.erase(0, 1);
+  if (first.empty() || first == u"*") return name;
+  size_t slash = name.find_last_of(u"/\\");
+  size_t dot = name.rfind(u'.');
+  if (dot != std::u16string::npos && (slash == std::u16string::npos || dot > slash)) return name;
+  return name + u"." + first;
+}
+
+}  // namespace
+
+int acedGetFileD(const ACHAR* title, const ACHAR* defawlt, const ACHAR* ext, int flags, resbuf* result) {
+  if (!result) return RTERROR;
+  result->restype = RTNONE;
+  std::u16string def = defawlt ? defawlt : u"";
+  std::u16string extension = ext ? ext : u"";
+  std::u16string prompt = u"\n" + (title && *title ? std::u16string(title) : std::u16string(u"Enter file name"));
+  while (!prompt.empty() && (prompt.back() == u' ' || prompt.back() == u':')) prompt.pop_back();
+  if (!def.empty() && !(flags & 16)) prompt += u" <" + def + u">";
+  prompt += u": ";
+  pending = InitGet{};
+  for (;;) {
+    std::u16string name;
+    int st = getString(true, prompt, &name);
+    if (st != RTNORM) return st;
+    while (!name.empty() && name.back() == u' ') name.pop_back();
+    if (name.size() >= 2 && name.front() == u'"' && name.back() == u'"') name = name.substr(1, name.size() - 2);
+    if (name.empty()) {
+      if (def.empty() || (flags & 16)) return RTERROR;
+      name = def;
+    } else if (flags & 16 && !def.empty()) {
+      // The default names the folder of a name typed bare.
+      bool folder = false;
+      if (name.find_first_of(u"/\\") == std::u16string::npos && exists(def, &folder) && folder)
+        name = def + (def.back() == u'/' || def.back() == u'\\' ? u"" : u"/") + name;
+    }
+    if (!(flags & 4) || name.find(u'.') == std::u16string::npos) name = withExtension(name, extension);
+    bool folder = false;
+    bool there = exists(name, &folder);
+    if (flags & 1) {
+      if (there && folder) {
+        message("Invalid file name.");
+        continue;
+      }
+      if (there && !(flags & 32)) {
+        initGet(0, u"Yes No");
+        std::u16string answer;
+        int k = getKword(u"\nA file with that name already exists. Replace it? [Yes/No] <N>: ", &answer);
+        if (k == RTCAN) return RTCAN;
+        if (answer != u"Yes") continue;
+      }
+    } else if (!there || folder) {
+      message(("File not found: " + zepk::sys::toUtf8(name)).c_str());
+      continue;
+    }
+    size_t bytes = (name.size() + 1) * sizeof(ACHAR);
+    result->restype = RTSTR;
+    result->resval.rstring = static_cast<ACHAR*>(std::malloc(bytes));
+    std::memcpy(result->resval.rstring, name.c_str(), bytes);
+    return RTNORM;
+  }
+}

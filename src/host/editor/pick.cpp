@@ -16,7 +16,11 @@
 #include "host/dbspline.h"
 #include "host/dbsymtb.h"
 #include "host/dbxline.h"
+#include "host/editor/commands.h"
 #include "host/editor/coords.h"
+#include "host/editor/input.h"
+#include "host/entlist.h"
+#include "host/ol_errno.h"
 #include "host/editor/sysvars.h"
 
 namespace zepk::editor {
@@ -501,4 +505,121 @@ bool nestedPickAt(const double p[3], NestedPick* out) {
   return true;
 }
 
+int pickOne(const std::u16string& prompt, const double* given, bool nested, double pt[3], NestedPick* out) {
+  *out = NestedPick{};
+  for (;;) {
+    if (given) {
+      std::copy(given, given + 3, pt);
+    } else {
+      std::u16string other;
+      int64_t name[2] = {0, 0};
+      int st = getPickPoint(prompt.empty() ? u"\nSelect object: " : prompt, pt, &other, name);
+      if (st == RTNONE) {
+        hostErrno() = OL_ENTSELNULL;
+        return RTERROR;
+      }
+      if (st == RTREJ) {
+        std::u16string u = other;
+        for (char16_t& c : u)
+          if (c >= u'a' && c <= u'z') c = static_cast<char16_t>(c - 32);
+        AcDbObjectId id;
+        if (name[0] || name[1]) {
+          // An entity name given by a program.
+          ads_name en = {name[0], name[1]};
+          if (acdbGetObjectId(id, en) != Acad::eOk) id = AcDbObjectId();
+        } else if (u == u"L" || u == u"LAST" || u == u"_L" || u == u"_LAST") {
+          id = db::lastEntity(acdbHostApplicationServices()->workingDatabase());
+        } else {
+          Commands::get().print(u"*Invalid selection*\nExpects a point or Last\n");
+          continue;
+        }
+        if (id.isNull() || id.isErased()) {
+          hostErrno() = OL_ENTSELPICK;
+          return RTERROR;
+        }
+        // The point of a selection without a pick is the last point.
+        SysValue v;
+        if (getSysVar(u"LASTPOINT", &v))
+          for (int i = 0; i < 3; ++i) pt[i] = v.p[i];
+        out->id = id;
+        out->xf = AcGeMatrix3d::kIdentity;
+        return RTNORM;
+      }
+      if (st != RTNORM) return st;
+    }
+    bool hit = false;
+    if (nested) {
+      hit = nestedPickAt(pt, out);
+    } else {
+      out->id = pickAt(visibleEntities(), pt);
+      out->xf = AcGeMatrix3d::kIdentity;
+      hit = !out->id.isNull();
+    }
+    if (!hit) {
+      hostErrno() = OL_ENTSELPICK;
+      return RTERROR;
+    }
+    return RTNORM;
+  }
+}
+
 }  // namespace zepk::editor
+
+using namespace zepk::editor;
+
+namespace {
+
+int pickFor(const ACHAR* str, const double* given, bool nested, ads_name entres, ads_point ptres, NestedPick* out) {
+  if (!entres || !ptres) return RTERROR;
+  int st = pickOne(str ? std::u16string(str) : std::u16string(), given, nested, ptres, out);
+  if (st != RTNORM) return st;
+  ads_name n;
+  if (acdbGetAdsName(n, out->id) != Acad::eOk) return RTERROR;
+  ads_name_set(n, entres);
+  return RTNORM;
+}
+
+resbuf* containerChain(const NestedPick& p) {
+  resbuf* head = nullptr;
+  resbuf** tail = &head;
+  for (AcDbObjectId id : p.containers) {
+    *tail = acutNewRb(RTENAME);
+    acdbGetAdsName((*tail)->resval.rlname, id);
+    tail = &(*tail)->rbnext;
+  }
+  return head;
+}
+
+}  // namespace
+
+int acedEntSel(const ACHAR* str, ads_name entres, ads_point ptres) {
+  NestedPick p;
+  return pickFor(str, nullptr, false, entres, ptres, &p);
+}
+
+int acedNEntSel(const ACHAR* str, ads_name entres, ads_point ptres, ads_point xformres[4], resbuf** refstkres) {
+  NestedPick p;
+  if (refstkres) *refstkres = nullptr;
+  int st = pickFor(str, nullptr, true, entres, ptres, &p);
+  if (st != RTNORM) return st;
+  if (xformres)
+    for (int c = 0; c < 4; ++c)
+      for (int r = 0; r < 3; ++r) xformres[c][r] = p.xf.entry[r][c];
+  if (refstkres) *refstkres = containerChain(p);
+  return RTNORM;
+}
+
+int acedNEntSelP(const ACHAR* str, ads_name entres, ads_point ptres, int pickflag, ads_matrix xformres,
+                 resbuf** refstkres) {
+  NestedPick p;
+  if (refstkres) *refstkres = nullptr;
+  double given[3] = {0, 0, 0};
+  if (pickflag && ptres) std::copy(ptres, ptres + 3, given);
+  int st = pickFor(str, pickflag ? given : nullptr, true, entres, ptres, &p);
+  if (st != RTNORM) return st;
+  if (xformres)
+    for (int r = 0; r < 4; ++r)
+      for (int c = 0; c < 4; ++c) xformres[r][c] = p.xf.entry[r][c];
+  if (refstkres) *refstkres = containerChain(p);
+  return RTNORM;
+}

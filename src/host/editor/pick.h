@@ -8,6 +8,7 @@
 // Of several under the point, the one drawn last is on top and is taken.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "host/dbents.h"
@@ -52,5 +53,11 @@ struct NestedPick {
   std::vector<AcDbObjectId> containers;
 };
 bool nestedPickAt(const double p[3], NestedPick* out);
+
+// The entity of a "Select object:" answer (at the point given, else
+// asked): RTNORM with the pick (nested goes into references) and the point,
+// RTERROR for a pick on nothing (ERRNO 7) or Enter (ERRNO 52), RTKWORD,
+// RTCAN.
+int pickOne(const std::u16string& prompt, const double* given, bool nested, double pt[3], NestedPick* out);
 
 }  // namespace zepk::editor

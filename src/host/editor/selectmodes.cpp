@@ -88,6 +88,7 @@ struct Session {
       db::filterIds(found, opt.filter, &kept);
       found = std::move(kept);
     }
+    size_t n = found.size();
     size_t locked = 0;
     if (opt.rejectLocked) {
       std::vector<AcDbObjectId> open;
@@ -103,7 +104,6 @@ struct Session {
       found.swap(open);
     }
     bool before = !set.empty();
-    size_t n = found.size();
     size_t dup = 0, removed = 0;
     Step step{{}, removing};
     for (AcDbObjectId id : found) {
