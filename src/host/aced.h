@@ -2,6 +2,7 @@
 // with their answers, and asking the user for input.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "host/acadstrc.h"

@@ -2,6 +2,7 @@
 // the input functions (getpoint, getreal...), C: functions as commands and
 // LISP expressions typed as answers.
 #include <cmath>
+#include <cstdlib>
 
 #include "host/editor/commands.h"
 #include "host/editor/input.h"
@@ -172,6 +173,42 @@ Value fnGetangle(Interp& in, ArgSpan a) {
   return inputResult(in, st);
 }
 
+Value fnGetorient(Interp& in, ArgSpan a) {
+  double base[3], d;
+  bool haveBase;
+  std::u16string prompt;
+  pointAndPrompt(in, a, base, &haveBase, &prompt);
+  int st = getOrient(haveBase ? base : nullptr, prompt, &d);
+  if (st == RTNORM) return Value::real(d);
+  return inputResult(in, st);
+}
+
+// (getcorner point [prompt]): the other corner of a rectangle.
+Value fnGetcorner(Interp& in, ArgSpan a) {
+  lisp::checkArgc(in, a, 1, 2);
+  double base[3], p[3];
+  lisp::argPoint(in, a[0], base);
+  int st = getPoint(base, promptArg(in, a, 1), p);
+  if (st == RTNORM) return lisp::pointValue(p, 3);
+  return inputResult(in, st);
+}
+
+// (getfiled title default ext flags): a file name asked on the command
+// line (see acedGetFileD), nil when none is given.
+Value fnGetfiled(Interp& in, ArgSpan a) {
+  lisp::checkArgc(in, a, 4, 4);
+  std::u16string title = lisp::argStr(in, a[0]), def = lisp::argStr(in, a[1]), ext = lisp::argStr(in, a[2]);
+  int flags = lisp::argInt(in, a[3]);
+  resbuf r;
+  r.rbnext = nullptr;
+  int st = acedGetFileD(title.c_str(), def.c_str(), ext.c_str(), flags, &r);
+  if (st == RTCAN) in.fail("Function cancelled");
+  if (st != RTNORM || r.restype != RTSTR) return Value();
+  Value v = lisp::str(std::u16string(r.resval.rstring));
+  std::free(r.resval.rstring);
+  return v;
+}
+
 Value fnGetreal(Interp& in, ArgSpan a) {
   lisp::checkArgc(in, a, 0, 1);
   double d;
@@ -238,6 +275,9 @@ void installCommandFunctions(lisp::Interp& in) {
   in.defSubr("getdist", fnGetdist);
   in.defSubr("getreal", fnGetreal);
   in.defSubr("getangle", fnGetangle);
+  in.defSubr("getorient", fnGetorient);
+  in.defSubr("getcorner", fnGetcorner);
+  in.defSubr("getfiled", fnGetfiled);
   in.defSubr("getint", fnGetint);
   in.defSubr("getstring", fnGetstring);
   in.defSubr("getkword", fnGetkword);

@@ -1,5 +1,6 @@
 // Selection sets: ssget, ssadd, ssdel,
 // sslength, ssname, ssmemb, ssgetfirst, sssetfirst.
+#include "host/aced.h"
 #include "host/dbapserv.h"
 #include "host/lisp/drawing.h"
 #include "host/entlist.h"
@@ -145,6 +146,86 @@ Value fnSssetfirst(Interp& in, ArgSpan a) {
   return list({a[0], a.size > 1 ? a[1] : Value()});
 }
 
+// ---------------------------------------------------------- picking one
+
+Value pickResult(Interp& in, int st, const ads_name e, const ads_point p) {
+  if (st == RTCAN) in.fail(u"Function cancelled");
+  if (st == RTKWORD) {
+    ACHAR kw[512];
+    acedGetInput(kw, 512);
+    return str(kw);
+  }
+  if (st != RTNORM) return Value();
+  return list({enameValue(e), pointValue(p, 3)});
+}
+
+Value containers(resbuf* chain) {
+  std::vector<Value> out;
+  for (resbuf* r = chain; r; r = r->rbnext) out.push_back(enameValue(r->resval.rlname));
+  acutRelRb(chain);
+  return listFrom(std::move(out));
+}
+
+// (entsel [prompt]): the entity picked and the point, nil for a pick on
+// nothing or Enter (ERRNO 7 or 52), a keyword of initget as a string.
+Value fnEntsel(Interp& in, ArgSpan a) {
+  checkArgc(in, a, 0, 1);
+  std::u16string prompt = a.size && !a[0].isNil() ? argStr(in, a[0]) : u"";
+  ads_name e;
+  ads_point p;
+  int st = acedEntSel(prompt.empty() ? nullptr : prompt.c_str(), e, p);
+  return pickResult(in, st, e, p);
+}
+
+// (nentsel [prompt]): as entsel, going into block references; an entity
+// inside one adds the transform to the world as four points (the X, Y and
+// Z axes and the origin) and the references, the innermost first.
+Value fnNentsel(Interp& in, ArgSpan a) {
+  checkArgc(in, a, 0, 1);
+  std::u16string prompt = a.size && !a[0].isNil() ? argStr(in, a[0]) : u"";
+  ads_name e;
+  ads_point p, xf[4];
+  resbuf* refs = nullptr;
+  int st = acedNEntSel(prompt.empty() ? nullptr : prompt.c_str(), e, p, xf, &refs);
+  Value r = pickResult(in, st, e, p);
+  if (st != RTNORM || !refs) {
+    acutRelRb(refs);
+    return r;
+  }
+  Value m = list({pointValue(xf[0], 3), pointValue(xf[1], 3), pointValue(xf[2], 3), pointValue(xf[3], 3)});
+  return list({car(r), car(cdr(r)), m, containers(refs)});
+}
+
+// (nentselp [prompt] [point]): as nentsel with the transform as a 4x4
+// matrix (rows); with a point it picks there without asking.
+Value fnNentselp(Interp& in, ArgSpan a) {
+  checkArgc(in, a, 0, 2);
+  std::u16string prompt;
+  ads_point p = {0, 0, 0};
+  bool given = false;
+  for (size_t i = 0; i < a.size; ++i) {
+    if (a[i].isStr()) {
+      prompt = a[i].as<String>()->s;
+    } else if (!a[i].isNil()) {
+      argPoint(in, a[i], p);
+      given = true;
+    }
+  }
+  ads_name e;
+  ads_matrix xf;
+  resbuf* refs = nullptr;
+  int st = acedNEntSelP(prompt.empty() ? nullptr : prompt.c_str(), e, p, given, xf, &refs);
+  Value r = pickResult(in, st, e, p);
+  if (st != RTNORM || !refs) {
+    acutRelRb(refs);
+    return r;
+  }
+  std::vector<Value> rows;
+  for (int i = 0; i < 4; ++i)
+    rows.push_back(list({Value::real(xf[i][0]), Value::real(xf[i][1]), Value::real(xf[i][2]), Value::real(xf[i][3])}));
+  return list({car(r), car(cdr(r)), listFrom(std::move(rows)), containers(refs)});
+}
+
 }  // namespace
 
 void registerPicksetFunctions(Interp& in) {
@@ -156,6 +237,9 @@ void registerPicksetFunctions(Interp& in) {
   in.defSubr("ssmemb", fnSsmemb);
   in.defSubr("ssgetfirst", fnSsgetfirst);
   in.defSubr("sssetfirst", fnSssetfirst);
+  in.defSubr("entsel", fnEntsel);
+  in.defSubr("nentsel", fnNentsel);
+  in.defSubr("nentselp", fnNentselp);
 }
 
 }  // namespace zepk::lisp
