@@ -131,12 +131,6 @@ int angleSysInt(const char16_t* name) {
   return getSysVar(name, &v) && v.kind == SysValue::Int ? v.i : 0;
 }
 
-double angleSysReal(const char16_t* name) {
-  SysValue v;
-  if (!getSysVar(name, &v)) return 0;
-  return v.kind == SysValue::Real ? v.r : v.kind == SysValue::Int ? v.i : 0;
-}
-
 // An angle typed in the drawing's units (AUNITS), counted in the sense of
 // ANGDIR from ANGBASE; radians counter-clockwise from ANGBASE.
 bool typedAngle(std::u16string_view text, double* out) {
@@ -291,9 +285,6 @@ int angleInput(const double* base, const std::u16string& prompt, double* out, bo
     double v = 0, p[3];
     bool ok = false;
     if (a.kind == Answer::Real || a.kind == Answer::Int) {
-      v = (a.kind == Answer::Real ? a.r : a.i) * M_PI / 180.0, ok = true;
-      if (angleSysInt(u"ANGDIR") == 1) v = -v;
-    } else if (a.kind == Answer::Text && typedAngle(a.text, &v)) {
       // A number from a program: degrees from ANGBASE in the sense of ANGDIR.
       double deg = (a.kind == Answer::Real ? a.r : a.i) * M_PI / 180.0;
       v = sysNumber(u"ANGBASE") + (angleSysInt(u"ANGDIR") == 1 ? -deg : deg), ok = true;
@@ -302,8 +293,6 @@ int angleInput(const double* base, const std::u16string& prompt, double* out, bo
     } else if (base && (a.kind == Answer::Point || (a.kind == Answer::Text && parsePoint(a.text, base, p)))) {
       if (a.kind == Answer::Point)
         for (int i = 0; i < 3; ++i) p[i] = a.p[i];
-      // A direction shown by a point counts from ANGBASE too.
-      v = std::atan2(p[1] - base[1], p[0] - base[0]) - angleSysReal(u"ANGBASE"), ok = true;
       v = std::atan2(p[1] - base[1], p[0] - base[0]), ok = true;
     } else if (a.kind == Answer::Text && (g.bits & RSG_OTHER)) {
       lastKeyword = a.text;
