@@ -36,11 +36,7 @@ AcDbDatabase* db() { return acdbHostApplicationServices()->workingDatabase(); }
 
 void say(const std::string& utf8) { cmds().print(utf8); }
 
-std::u16string upper(std::u16string s) {
-  for (char16_t& c : s)
-    if (c >= u'a' && c <= u'z') c = static_cast<char16_t>(c - 32);
-  return s;
-}
+std::u16string upper(std::u16string s) { return sys::asciiUpper(s); }
 
 std::u16string sysString(const char16_t* name) {
   SysValue v;

@@ -19,12 +19,7 @@ namespace zepk::editor {
 
 namespace {
 
-std::u16string upper(std::u16string_view s) {
-  std::u16string u(s);
-  for (char16_t& c : u)
-    if (c >= u'a' && c <= u'z') c = static_cast<char16_t>(c - 32);
-  return u;
-}
+std::u16string upper(std::u16string_view s) { return sys::asciiUpper(s); }
 
 struct Keyword {
   std::u16string word;  // as given

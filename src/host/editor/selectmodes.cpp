@@ -27,12 +27,7 @@ constexpr char kExpects[] =
 
 void say(const std::string& utf8) { Commands::get().print(utf8); }
 
-std::u16string upper(std::u16string_view s) {
-  std::u16string u(s);
-  for (char16_t& c : u)
-    if (c >= u'a' && c <= u'z') c = static_cast<char16_t>(c - 32);
-  return u;
-}
+std::u16string upper(std::u16string_view s) { return sys::asciiUpper(s); }
 
 // The selection keywords, by what must be typed of each.
 enum class Key { None, Window, Last, Crossing, Box, All, Fence, WPolygon, CPolygon, Group, Add, Remove, Multiple,

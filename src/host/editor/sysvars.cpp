@@ -181,12 +181,7 @@ const std::vector<Def>& table() {
   return t;
 }
 
-std::u16string upper(std::u16string_view s) {
-  std::u16string out(s);
-  for (char16_t& c : out)
-    if (c >= u'a' && c <= u'z') c = static_cast<char16_t>(c - u'a' + u'A');
-  return out;
-}
+std::u16string upper(std::u16string_view s) { return sys::asciiUpper(s); }
 
 const Def* find(std::u16string_view name) {
   std::string key = sys::toUtf8(upper(name));

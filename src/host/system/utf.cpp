@@ -109,4 +109,10 @@ bool isValidUtf8(std::string_view s) {
 char16_t asciiUpper(char16_t c) { return (c >= u'a' && c <= u'z') ? static_cast<char16_t>(c - 32) : c; }
 char16_t asciiLower(char16_t c) { return (c >= u'A' && c <= u'Z') ? static_cast<char16_t>(c + 32) : c; }
 
+std::u16string asciiUpper(std::u16string_view s) {
+  std::u16string u(s);
+  for (char16_t& c : u) c = asciiUpper(c);
+  return u;
+}
+
 }  // namespace zepk::sys

@@ -16,5 +16,6 @@ bool isValidUtf8(std::string_view s);
 // ASCII-only case mapping, as the host does for symbol names and keywords.
 char16_t asciiUpper(char16_t c);
 char16_t asciiLower(char16_t c);
+std::u16string asciiUpper(std::u16string_view s);
 
 }  // namespace zepk::sys
