@@ -84,3 +84,18 @@
 (entmod (subst '(2 . "Zero") (assoc 2 zero) zero))
 (cdr (assoc 2 (tblsearch "LAYER" "0")))
 (setvar "ERRNO" 0)
+; Records made from lists go into their tables, with or without their
+; subclass markers; a name the table has already is refused.
+(entmake '((0 . "LAYER") (2 . "Made") (70 . 0) (62 . 3) (6 . "Continuous")))
+(cdr (assoc 62 (tblsearch "LAYER" "made")))
+(entmake '((0 . "LAYER") (2 . "MADE") (70 . 0)))
+(getvar "ERRNO")
+(setvar "ERRNO" 0)
+(entmake '((0 . "LAYER") (70 . 0)))
+(eq (type (entmakex '((0 . "LAYER") (100 . "AcDbSymbolTableRecord") (100 . "AcDbLayerTableRecord") (2 . "MadeX") (70 . 0) (62 . 1) (6 . "Continuous")))) 'ENAME)
+(equal (cdr (assoc 330 (entget (tblobjname "LAYER" "MadeX")))) (cdr (assoc 330 (entget (tblobjname "LAYER" "0")))))
+(entmake '((0 . "APPID") (2 . "MADE_APP") (70 . 0)))
+(tblsearch "APPID" "made_app")
+(entmake '((0 . "LTYPE") (2 . "DASH1") (70 . 0) (3 . "dash") (72 . 65) (73 . 2) (40 . 1.0) (49 . 0.5) (74 . 0) (49 . -0.5) (74 . 0)))
+(cdr (assoc 40 (tblsearch "LTYPE" "dash1")))
+(setvar "ERRNO" 0)

@@ -41,6 +41,9 @@ Acad::ErrorStatus initNewDrawing(AcDbDatabase* db);
 // The table class for the name a TABLE carries in its group 2 ("LAYER",
 // "BLOCK_RECORD", ...), made empty; null for a name that is not a table.
 AcDbSymbolTable* newSymbolTable(std::u16string_view tableName);
+// The table of a drawing that a table name names ("LAYER", "LTYPE", ...,
+// the names tblsearch takes, in any case); null and ERRNO set for others.
+AcDbObjectId tableId(AcDbDatabase* db, const ACHAR* name);
 // The name of the kind of table ("LAYER"): what group 2 of a TABLE holds.
 const char16_t* symbolTableName(const AcDbSymbolTable* table);
 // The root the table is in a database.

@@ -572,7 +572,7 @@ static Acad::ErrorStatus writeFields(const ClassSchema& s, const AcDbEntity* e, 
     }
     if (all && (fd.flags & kOmittedWhenDefault) && fd.isDefault(e)) continue;
     if (!all && fd.isDefault(e)) {
-      signed char p = st && i < st->presence.size() ? st->presence[i] : PartState::kUnknown;
+      signed char p = st && i < st->presence.size() ? st->presence[i] : static_cast<signed char>(PartState::kUnknown);
       if (p == PartState::kNotInFile) continue;
       if (p != PartState::kInFile && (fd.flags & kOptional)) continue;
     }

@@ -366,6 +366,9 @@ bool readGroups(AcDbObject* obj, const std::u16string& type, std::vector<DxfItem
                  groups.end());
     addSubclassMarkers(type, groups, polylineFlags);
   }
+  // A table record listed without its markers gets them, as a file of the
+  // oldest release gives it.
+  if (AcDbSymbolTableRecord::cast(obj)) addSubclassMarkers(type, groups, 0);
   MemoryDxfFiler f(AcDb::kBagFiler, obj->database() ? obj->database() : workingDb());
   f.items() = std::move(groups);
   Acad::ErrorStatus es = obj->dxfInFields(&f);
@@ -700,6 +703,27 @@ bool makeFromGroups(const std::vector<DxfItem>& items, bool nonGraphical, AcDbOb
   }
   std::unique_ptr<AcDbObject> holder(obj);
   auto* ent = AcDbEntity::cast(obj);
+  // A table record (a layer, linetype, text style...) goes into its table,
+  // made by entmake as well as entmakex; a name the table has already is
+  // refused. Blocks come as BLOCK ... ENDBLK.
+  if (auto* rec = AcDbSymbolTableRecord::cast(obj); rec && !AcDbBlockTableRecord::cast(obj)) {
+    if (r.owner || r.inBlock) return abandon(false);
+    const DxfItem* name = findCode(list.body, 2);
+    if (!name || name->kind != DxfItem::String || name->s.empty()) return failWith(err, OL_EMKMANDF);
+    AcDbObjectId tid = tableId(db, type.c_str());
+    if (tid.isNull()) return abandon(false);
+    if (!readGroups(obj, type, readable(list.body, false), 0)) return fail(err);
+    AcDbObjectPointer<AcDbSymbolTable> table(tid, AcDb::kForWrite);
+    if (!table) return fail(err);
+    if (table->has(name->s.c_str())) return failWith(err, OL_ESNVALID);
+    AcDbObjectId id;
+    if (table->add(id, rec) != Acad::eOk) return fail(err);
+    holder.release();
+    applyXData(obj, list.xdata);
+    obj->close();
+    if (made) *made = id;
+    return true;
+  }
   if (!ent) {
     if (!nonGraphical || r.owner) return abandon(false);
     if (!readGroups(obj, type, readable(list.body, false), 0)) return fail(err);

@@ -26,7 +26,8 @@ std::u16string upper(std::u16string s) {
   return s;
 }
 
-// The table of a name tblsearch takes.
+}  // namespace
+
 AcDbObjectId tableId(AcDbDatabase* db, const ACHAR* name) {
   if (!db || !name) return {};
   std::u16string n = upper(name);
@@ -42,6 +43,8 @@ AcDbObjectId tableId(AcDbDatabase* db, const ACHAR* name) {
   hostErrno() = OL_ETBLNAME;
   return {};
 }
+
+namespace {
 
 AcDbObjectIdArray records(AcDbObjectId table) {
   AcDbObjectPointer<AcDbSymbolTable> t(table, AcDb::kForRead);
