@@ -357,3 +357,17 @@ int winAtoi(const char* str);
 int _wtoi(const WCHAR* str);
 LONG _wtol(const WCHAR* str);
 int64_t _wtoi64(const WCHAR* str);
+
+// ------------------------------------------------------------- code pages
+//
+// Conversions between the system's 8-bit code page (CP_ACP: 936 unless the
+// host is set otherwise), UTF-8 (CP_UTF8) or any code page by number, and
+// wide text. A length of -1 means "up to and including the terminating
+// zero"; an output size of 0 asks for the size needed. Characters that
+// cannot be converted become '?' one for one. The flags are ignored.
+enum : UINT { CP_ACP = 0, CP_OEMCP = 1, CP_UTF8 = 65001 };
+UINT GetACP();
+int MultiByteToWideChar(UINT CodePage, DWORD dwFlags, const char* lpMultiByteStr, int cbMultiByte, LPWSTR lpWideCharStr,
+                        int cchWideChar);
+int WideCharToMultiByte(UINT CodePage, DWORD dwFlags, LPCWSTR lpWideCharStr, int cchWideChar, char* lpMultiByteStr,
+                        int cbMultiByte, const char* lpDefaultChar, BOOL* lpUsedDefaultChar);

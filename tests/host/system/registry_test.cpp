@@ -287,7 +287,7 @@ TEST(RegistryFile, RandomTreesRoundTripAndRandomTextNeverBreaksTheReader) {
       for (int d = 0; d < depth && k; ++d) k = a.create(k, word(6, false), nullptr);
       ASSERT_NE(k, nullptr);
       std::vector<uint8_t> data;
-      uint32_t type = static_cast<uint32_t>(pick(3) == 0 ? REG_DWORD : pick(2) == 0 ? REG_SZ : pick(12));
+      uint32_t type = pick(3) == 0 ? uint32_t(REG_DWORD) : pick(2) == 0 ? uint32_t(REG_SZ) : uint32_t(pick(12));
       if (type == REG_DWORD) {
         data.resize(4);
         for (auto& b : data) b = static_cast<uint8_t>(rng());
