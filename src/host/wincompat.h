@@ -371,3 +371,13 @@ int MultiByteToWideChar(UINT CodePage, DWORD dwFlags, const char* lpMultiByteStr
                         int cchWideChar);
 int WideCharToMultiByte(UINT CodePage, DWORD dwFlags, LPCWSTR lpWideCharStr, int cchWideChar, char* lpMultiByteStr,
                         int cbMultiByte, const char* lpDefaultChar, BOOL* lpUsedDefaultChar);
+
+// --------------------------------------------------- C runtime random numbers
+//
+// rand and srand as the Windows C runtime computes them, whatever this
+// system's C library does: state = state * 214013 + 2531011, value =
+// (state >> 16) & 0x7FFF; one process-wide state that starts as if seeded
+// with 1.
+inline constexpr int WIN_RAND_MAX = 0x7FFF;
+int winRand();
+void winSrand(unsigned seed);

@@ -1,5 +1,7 @@
 #include "host/system/crt_rand.h"
 
+#include "host/wincompat.h"
+
 #include <atomic>
 #include <cstdint>
 
@@ -21,3 +23,6 @@ int crtRand() {
 void crtSrand(unsigned seed) { gState.store(static_cast<uint32_t>(seed), std::memory_order_relaxed); }
 
 }  // namespace zepk::sys
+
+int winRand() { return zepk::sys::crtRand(); }
+void winSrand(unsigned seed) { zepk::sys::crtSrand(seed); }

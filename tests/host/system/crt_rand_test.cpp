@@ -1,4 +1,5 @@
 #include "host/system/crt_rand.h"
+#include "host/wincompat.h"
 
 #include <gtest/gtest.h>
 
@@ -30,6 +31,10 @@ std::vector<int> expected(uint64_t seed, int n) {
 TEST(CrtRand, KnownSequenceAfterSeedOne) {
   crtSrand(1);
   EXPECT_EQ(draw(5), (std::vector<int>{41, 18467, 6334, 26500, 19169}));
+  // The toolkit's face of the same generator.
+  winSrand(1);
+  EXPECT_EQ(winRand(), 41);
+  EXPECT_EQ(crtRand(), 18467);
 }
 
 TEST(CrtRand, SeedsRestartTheSequence) {
