@@ -69,6 +69,12 @@ enum : LONG {
   ERROR_KEY_DELETED = 1018,
   ERROR_CAN_NOT_COMPLETE = 1003,
   ERROR_WRITE_FAULT = 29,
+  ERROR_PATH_NOT_FOUND = 3,
+  ERROR_NO_MORE_FILES = 18,
+  ERROR_FILE_EXISTS = 80,
+  ERROR_ALREADY_EXISTS = 183,
+  ERROR_DIR_NOT_EMPTY = 145,
+  ERROR_INSUFFICIENT_BUFFER = 122,
 };
 
 // The thread's last error, as GetLastError gives it after a failed call.
@@ -381,3 +387,49 @@ int WideCharToMultiByte(UINT CodePage, DWORD dwFlags, LPCWSTR lpWideCharStr, int
 inline constexpr int WIN_RAND_MAX = 0x7FFF;
 int winRand();
 void winSrand(unsigned seed);
+
+// ------------------------------------------------------------------ files
+//
+// Files and folders by the host's path rules (drive letters mapped to
+// folders, "\\" and "/" both separators). Names are matched against
+// patterns as Windows matches them: without regard to case, "*" and "?"
+// wildcards, and "*.*" matching every name, dotted or not. A copy is
+// written to a temporary name and renamed into place; a move across file
+// systems copies and then deletes.
+enum : DWORD {
+  FILE_ATTRIBUTE_READONLY = 0x1,
+  FILE_ATTRIBUTE_HIDDEN = 0x2,
+  FILE_ATTRIBUTE_DIRECTORY = 0x10,
+  FILE_ATTRIBUTE_NORMAL = 0x80,
+  INVALID_FILE_ATTRIBUTES = 0xFFFFFFFFu,
+};
+#define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(static_cast<intptr_t>(-1)))
+
+struct FILETIME {
+  DWORD dwLowDateTime, dwHighDateTime;
+};
+struct WIN32_FIND_DATAW {
+  DWORD dwFileAttributes;
+  FILETIME ftCreationTime, ftLastAccessTime, ftLastWriteTime;
+  DWORD nFileSizeHigh, nFileSizeLow;
+  DWORD dwReserved0, dwReserved1;
+  WCHAR cFileName[MAX_PATH];
+  WCHAR cAlternateFileName[14];
+};
+
+// The entries of a folder whose names match the pattern's last part, "."
+// and ".." included as Windows gives them; INVALID_HANDLE_VALUE with
+// ERROR_FILE_NOT_FOUND or ERROR_PATH_NOT_FOUND when there are none.
+HANDLE FindFirstFileW(LPCWSTR lpFileName, WIN32_FIND_DATAW* lpFindFileData);
+BOOL FindNextFileW(HANDLE hFindFile, WIN32_FIND_DATAW* lpFindFileData);
+BOOL FindClose(HANDLE hFindFile);
+DWORD GetFileAttributesW(LPCWSTR lpFileName);
+BOOL CopyFileW(LPCWSTR lpExistingFileName, LPCWSTR lpNewFileName, BOOL bFailIfExists);
+// Fails when the target exists (ERROR_ALREADY_EXISTS).
+BOOL MoveFileW(LPCWSTR lpExistingFileName, LPCWSTR lpNewFileName);
+BOOL DeleteFileW(LPCWSTR lpFileName);
+// One folder; its parent must exist (ERROR_PATH_NOT_FOUND), it must not
+// (ERROR_ALREADY_EXISTS).
+BOOL CreateDirectoryW(LPCWSTR lpPathName, void* lpSecurityAttributes);
+// An empty folder only (ERROR_DIR_NOT_EMPTY).
+BOOL RemoveDirectoryW(LPCWSTR lpPathName);
