@@ -1019,9 +1019,15 @@ TEST(Colours, ByLayerByBlockAndTrueColour) {
   std::vector<DxfItem> t = groups(rgb);
   ASSERT_TRUE(has(t, 420));
   for (const DxfItem& it : t) {
-    if (it.code == 420) EXPECT_EQ(it.i, 0x123456);
-    if (it.code == 430) EXPECT_EQ(it.s, u"色册$海蓝");
-    if (it.code == 62) EXPECT_EQ(it.i, AcCmEntityColor::lookUpACI(0x12, 0x34, 0x56));
+    if (it.code == 420) {
+      EXPECT_EQ(it.i, 0x123456);
+    }
+    if (it.code == 430) {
+      EXPECT_EQ(it.s, u"色册$海蓝");
+    }
+    if (it.code == 62) {
+      EXPECT_EQ(it.i, AcCmEntityColor::lookUpACI(0x12, 0x34, 0x56));
+    }
   }
   Acad::ErrorStatus es;
   auto back = readEntity(AcDbLine::desc(), {str(100, u"AcDbEntity"), str(8, u"0"), integer(62, 5),

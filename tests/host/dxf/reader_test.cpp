@@ -414,9 +414,15 @@ TEST(ReadLarge, HalvesReadAsOne) {
       const GroupRef& g = list.groups[i];
       ASSERT_EQ(g.code, pairs[i].first) << i;
       ASSERT_EQ(g.line, static_cast<int>(2 * i + 1)) << i;
-      if (g.isText()) ASSERT_EQ(g.text(), pairs[i].second) << i;
-      if (g.isReal()) ASSERT_EQ(g.real(), std::stod(pairs[i].second)) << i;
-      if (g.isInteger()) ASSERT_EQ(g.integer(), std::stoll(pairs[i].second)) << i;
+      if (g.isText()) {
+        ASSERT_EQ(g.text(), pairs[i].second) << i;
+      }
+      if (g.isReal()) {
+        ASSERT_EQ(g.real(), std::stod(pairs[i].second)) << i;
+      }
+      if (g.isInteger()) {
+        ASSERT_EQ(g.integer(), std::stoll(pairs[i].second)) << i;
+      }
     }
     EXPECT_TRUE(list.warnings.empty());
   }

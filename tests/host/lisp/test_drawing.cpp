@@ -243,7 +243,9 @@ TEST_F(Drawing, CompiledFunctionsAgreeWithLisp) {
   resbuf* h = acdbEntGet(last);
   ads_name byHandle;
   for (resbuf* r = h; r; r = r->rbnext)
-    if (r->restype == 5) EXPECT_EQ(acdbHandEnt(r->resval.rstring, byHandle), RTNORM);
+    if (r->restype == 5) {
+      EXPECT_EQ(acdbHandEnt(r->resval.rstring, byHandle), RTNORM);
+    }
   acutRelRb(h);
   EXPECT_TRUE(ads_name_equal(byHandle, last));
   resbuf* layer = acdbTblSearch(u"LAYER", u"survey", 0);
