@@ -4,7 +4,6 @@
 #include "host/db/dxffile.h"
 
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,6 +16,7 @@
 #include <mutex>
 
 #include "host/db/dxfinternal.h"
+#include "host/dxf/memory.h"
 #include "host/dxf/writer.h"
 
 namespace zepk::db {
@@ -121,13 +121,8 @@ bool readDxf(const std::string& path, std::unique_ptr<AcDbDatabase>* out, std::s
   size_t capacity = 1 << 20;
   if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && st.st_size > 0) capacity = static_cast<size_t>(st.st_size) + 1;
   std::unique_ptr<char[]> buffer(new (std::nothrow) char[capacity]);
-  if (buffer && capacity >= (size_t{8} << 20)) {
-    // Backed by large pages where the system allows: fewer faults to fill it.
-    constexpr uintptr_t kLarge = uintptr_t{1} << 21;
-    const uintptr_t begin = (reinterpret_cast<uintptr_t>(buffer.get()) + kLarge - 1) & ~(kLarge - 1);
-    const uintptr_t end = (reinterpret_cast<uintptr_t>(buffer.get()) + capacity) & ~(kLarge - 1);
-    if (end > begin) ::madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
-  }
+  // Backed by large pages where the system allows: fewer faults to fill it.
+  if (buffer && capacity >= (size_t{8} << 20)) dxf::adviseLargePages(buffer.get(), capacity);
   size_t size = 0;
   bool readOk = buffer != nullptr;
   while (readOk) {

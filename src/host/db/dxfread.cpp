@@ -23,6 +23,7 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <unordered_map>
 
 #include "host/db/dbobjects.h"
@@ -33,6 +34,7 @@
 #include "host/dbents.h"
 #include "host/dbproxy.h"
 #include "host/dbsymtb.h"
+#include "host/dxf/memory.h"
 #include "host/dxf/reader.h"
 #include "host/dxf/structure.h"
 #include "host/system/utf.h"
@@ -132,6 +134,8 @@ class Reader {
   // The file's bytes are the reader's own: those it is past may be given
   // back to the system as it goes (see releaseBefore).
   void mayRelease(std::string_view bytes) { bytes_ = bytes; }
+  // The heap the objects are made in grows in large pages.
+  void growIn(dxf::LargePageHeap* heap) { heap_ = heap; }
 
   bool run(const dxf::Layout& layout);
   const std::string& error() const { return error_; }
@@ -228,6 +232,7 @@ class Reader {
   std::string_view bytes_;                     // the file's bytes, when the reader may release them
   size_t groupsReleased_ = 0;                  // bytes of the group list given back
   size_t bytesReleased_ = 0;                   // and of the file
+  dxf::LargePageHeap* heap_ = nullptr;
 };
 
 // ---------------------------------------------------------------- records
@@ -414,6 +419,7 @@ AcRxClass* Reader::classFor(const Record& rec, bool entity) {
 }
 
 AcDbObjectId Reader::makeObject(Record& rec, Place place, AcDbObjectId owner) {
+  if (heap_) heap_->poll();
   const bool entity = place == Place::Block || place == Place::Entities;
   if (r12_) addSubclassMarkers(rec.wname, rec.items, polylineFlags_);
   // A record that names no owner (every record of R12) gets the one its
@@ -998,7 +1004,6 @@ bool Reader::run(const dxf::Layout& layout) {
       case SectionKind::Classes: ok = readClasses(s); break;
       case SectionKind::Tables: ok = readTables(s) && completeTablesOnce(); break;
       case SectionKind::Blocks: ok = completeTablesOnce() && readBlocks(s); break;
-      case SectionKind::Entities: ok = completeTablesOnce() && readEntities(s); break;
       case SectionKind::Objects: ok = readObjects(s); break;
       default: keepSection(s); break;
     }
@@ -1009,6 +1014,9 @@ bool Reader::run(const dxf::Layout& layout) {
 }
 
 }  // namespace
+
+// Files from this size on are read with the help of large pages.
+constexpr size_t kLargeFile = size_t{8} << 20;
 
 bool readDxfBytes(std::string_view bytes, std::unique_ptr<AcDbDatabase>* out, std::string* error,
                   const DxfReadOptions& options) {
@@ -1036,6 +1044,12 @@ bool readDxfBytes(std::string_view bytes, std::unique_ptr<AcDbDatabase>* out, st
   auto db = std::make_unique<AcDbDatabase>();
   Reader reader(db.get(), rr.groups, dxf::versionNumber(rr.version), options.warnings);
   if (bytesAreOurs) reader.mayRelease(bytes);
+  // A large drawing's objects take about twice its file.
+  std::optional<dxf::LargePageHeap> heap;
+  if (bytes.size() >= kLargeFile) {
+    heap.emplace(bytes.size() * 2);
+    reader.growIn(&*heap);
+  }
   if (!reader.run(layout)) {
     if (error) *error = reader.error();
     return false;

@@ -1,7 +1,5 @@
 #include "host/dxf/reader.h"
 
-#include <sys/mman.h>
-
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -11,6 +9,7 @@
 #include <thread>
 
 #include "host/dxf/encoding.h"
+#include "host/dxf/memory.h"
 #include "host/system/codepage.h"
 #include "host/system/utf.h"
 
@@ -24,15 +23,6 @@ constexpr std::string_view kUtf8Bom = "\xEF\xBB\xBF";
 constexpr int kMaxLines = 2'000'000'000;
 
 bool isBlank(char c) { return c == ' ' || c == '\t'; }
-
-// A large block about to be filled: the system may back it with large
-// pages, a fault every two megabytes rather than every four kilobytes.
-void adviseLargePages(void* p, size_t n) {
-  constexpr uintptr_t kLarge = uintptr_t{1} << 21;
-  const uintptr_t begin = (reinterpret_cast<uintptr_t>(p) + kLarge - 1) & ~(kLarge - 1);
-  const uintptr_t end = (reinterpret_cast<uintptr_t>(p) + n) & ~(kLarge - 1);
-  if (end > begin) ::madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
-}
 
 std::string_view trim(std::string_view s) {
   while (!s.empty() && isBlank(s.front())) s.remove_prefix(1);
