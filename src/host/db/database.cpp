@@ -173,14 +173,23 @@ Acad::ErrorStatus AcDbDatabase::setHandseed(const AcDbHandle& h) {
 }
 
 AcDbObjectIdArray AcDbDatabase::allObjects() const {
-  std::vector<AcDbStub*> stubs;
-  for (const auto& [v, s] : impl_->byHandle)
-    if (s->object) stubs.push_back(s);
-  std::sort(stubs.begin(), stubs.end(), [](AcDbStub* a, AcDbStub* b) { return a->handle < b->handle; });
+  // The records in the order they were made (mostly handle order already
+  // for a drawing read from a file), sorted by handles held beside them:
+  // the sort never reaches into the records.
+  std::vector<std::pair<uint64_t, AcDbStub*>> stubs;
+  stubs.reserve(impl_->stubs.size());
+  for (AcDbStub& s : impl_->stubs)
+    if (s.object) stubs.emplace_back(s.handle.value(), &s);
+  if (!std::is_sorted(stubs.begin(), stubs.end()))
+    std::sort(stubs.begin(), stubs.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
   AcDbObjectIdArray out;
   out.reserve(stubs.size());
-  for (AcDbStub* s : stubs) out.emplace_back(s);
+  for (const auto& [h, s] : stubs) out.emplace_back(s);
   return out;
+}
+
+void AcDbDatabaseAccess::reserveObjects(AcDbDatabase* db, size_t count) {
+  if (db) db->impl_->byHandle.reserve(db->impl_->byHandle.size() + count);
 }
 
 void AcDbDatabase::addReactor(AcDbDatabaseReactor* r) const {

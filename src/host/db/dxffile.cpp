@@ -14,6 +14,7 @@
 #include <new>
 #include <map>
 #include <mutex>
+#include <thread>
 
 #include "host/db/dxfinternal.h"
 #include "host/dxf/memory.h"
@@ -109,6 +110,40 @@ std::string bytesToHex(std::string_view bytes) {
 
 std::vector<DxfClassRecord>& dxfClassRecords(AcDbDatabase* db) { return dxfFileData(db).classes; }
 
+namespace {
+
+// Reads `size` bytes from the start of the file into `to`, the second half
+// in a second thread while the first thread reads the first: the copying
+// and the faulting in of the buffer's pages go on twice as fast. The bytes
+// read (all of them), or 0 with the file's offset at its start when either
+// half falls short, and the file is read in one piece after all.
+size_t readInHalves(int fd, char* to, size_t size) {
+  auto readAt = [fd, to](size_t from, size_t n) {
+    size_t done = 0;
+    while (done < n) {
+      const ssize_t k = ::pread(fd, to + from + done, n - done, static_cast<off_t>(from + done));
+      if (k < 0 && errno == EINTR) continue;
+      if (k <= 0) break;
+      done += static_cast<size_t>(k);
+    }
+    return done == n;
+  };
+  const size_t half = size / 2;
+  bool secondOk = false;
+  try {
+    std::thread second([&] { secondOk = readAt(half, size - half); });
+    const bool firstOk = readAt(0, half);
+    second.join();
+    if (firstOk && secondOk && ::lseek(fd, static_cast<off_t>(size), SEEK_SET) == static_cast<off_t>(size)) return size;
+  } catch (const std::exception&) {
+    // No thread to be had.
+  }
+  ::lseek(fd, 0, SEEK_SET);
+  return 0;
+}
+
+}  // namespace
+
 bool readDxf(const std::string& path, std::unique_ptr<AcDbDatabase>* out, std::string* error,
              const DxfReadOptions& options) {
   // The whole file in one buffer, sized once: the reader's groups view it.
@@ -125,6 +160,7 @@ bool readDxf(const std::string& path, std::unique_ptr<AcDbDatabase>* out, std::s
   if (buffer && capacity >= (size_t{8} << 20)) dxf::adviseLargePages(buffer.get(), capacity);
   size_t size = 0;
   bool readOk = buffer != nullptr;
+  if (readOk && capacity >= (size_t{8} << 20)) size = readInHalves(fd, buffer.get(), capacity - 1);
   while (readOk) {
     if (size == capacity) {
       // A file that grew, or one whose size the system does not give.

@@ -549,6 +549,8 @@ bool Reader::prescanHandles(const dxf::Layout& layout) {
   size_t records = 0;
   for (const Section& s : layout.sections) records += s.records.size();
   handleLines_.reserve(records);
+  // An object for each record, and a few more the drawing adds.
+  AcDbDatabaseAccess::reserveObjects(db_, records + 64);
   for (const Section& s : layout.sections) {
     if (s.kind != SectionKind::Tables && s.kind != SectionKind::Blocks && s.kind != SectionKind::Entities &&
         s.kind != SectionKind::Objects)
@@ -1044,10 +1046,10 @@ bool readDxfBytes(std::string_view bytes, std::unique_ptr<AcDbDatabase>* out, st
   auto db = std::make_unique<AcDbDatabase>();
   Reader reader(db.get(), rr.groups, dxf::versionNumber(rr.version), options.warnings);
   if (bytesAreOurs) reader.mayRelease(bytes);
-  // A large drawing's objects take about twice its file.
+  // A large drawing's objects: many small ones, in a heap made ready ahead.
   std::optional<dxf::LargePageHeap> heap;
   if (bytes.size() >= kLargeFile) {
-    heap.emplace(bytes.size() * 2);
+    heap.emplace();
     reader.growIn(&*heap);
   }
   if (!reader.run(layout)) {

@@ -85,4 +85,7 @@ struct AcDbDatabaseAccess {
   // Moves every object, handle and root of `from` into `to`, which must
   // hold no object; each keeps its reactors. `from` is left empty.
   static Acad::ErrorStatus moveContents(AcDbDatabase* from, AcDbDatabase* to);
+  // Room for `count` more objects' handles, made once (a drawing about to
+  // be read).
+  static void reserveObjects(AcDbDatabase* db, size_t count);
 };

@@ -5,6 +5,11 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+#include <vector>
 #include <cerrno>
 #include <charconv>
 #include <chrono>
@@ -156,6 +161,102 @@ bool writeAll(int fd, std::string_view bytes) {
   return true;
 }
 
+// Writes pieces to a file in the order given, from a second thread once the
+// pieces are large: making the next piece and writing the last one then go
+// on at once. Each piece is copied into one of a few buffers that go round,
+// so that the maker never runs far ahead of the disk.
+class PieceWriter {
+ public:
+  explicit PieceWriter(int fd) : fd_(fd) {}
+  ~PieceWriter() { finish(); }
+
+  // False once writing has failed.
+  bool append(std::string_view piece) {
+    if (!started_ && !stopped_ && piece.size() >= kBackground) start();
+    if (!started_) return writeNow(piece);
+    std::unique_lock<std::mutex> lock(mutex_);
+    room_.wait(lock, [&] { return queue_.size() < kBuffers || errno_ != 0; });
+    if (errno_ != 0) return false;
+    std::string buffer;
+    if (!spare_.empty()) {
+      buffer = std::move(spare_.back());
+      spare_.pop_back();
+    }
+    lock.unlock();
+    buffer.assign(piece);
+    lock.lock();
+    queue_.push_back(std::move(buffer));
+    ready_.notify_one();
+    return true;
+  }
+  // Waits for every piece to be written; the errno of the first failure, or 0.
+  int finish() {
+    if (started_) {
+      {
+        std::lock_guard<std::mutex> lock(mutex_);
+        done_ = true;
+      }
+      ready_.notify_one();
+      thread_.join();
+      started_ = false;
+      stopped_ = true;
+    }
+    return errno_;
+  }
+
+ private:
+  static constexpr std::size_t kBackground = std::size_t{256} << 10;
+  static constexpr std::size_t kBuffers = 4;
+
+  void start() {
+    try {
+      thread_ = std::thread([this] { run(); });
+      started_ = true;
+    } catch (const std::exception&) {
+      stopped_ = true;  // no thread to be had: written as they come
+    }
+  }
+  bool writeNow(std::string_view piece) {
+    if (errno_ != 0) return false;
+    if (!writeAll(fd_, piece)) {
+      errno_ = errno != 0 ? errno : EIO;
+      return false;
+    }
+    // The disk starts on each piece at once, so that the flush at the end
+    // waits for little more than the last one. Only a hint: its failure
+    // is not the file's.
+    (void)::sync_file_range(fd_, written_, static_cast<off_t>(piece.size()), SYNC_FILE_RANGE_WRITE);
+    written_ += static_cast<off_t>(piece.size());
+    return true;
+  }
+  void run() {
+    std::unique_lock<std::mutex> lock(mutex_);
+    for (;;) {
+      ready_.wait(lock, [&] { return !queue_.empty() || done_; });
+      if (queue_.empty()) return;
+      std::string piece = std::move(queue_.front());
+      queue_.pop_front();
+      lock.unlock();
+      const bool ok = errno_ == 0 && writeNow(piece);
+      lock.lock();
+      if (ok) spare_.push_back(std::move(piece));
+      room_.notify_one();
+    }
+  }
+
+  int fd_;
+  std::thread thread_;
+  bool started_ = false;
+  bool stopped_ = false;  // pieces are written as they come from now on
+  std::mutex mutex_;
+  std::condition_variable ready_, room_;
+  std::deque<std::string> queue_;
+  std::vector<std::string> spare_;
+  bool done_ = false;
+  std::atomic<int> errno_{0};
+  off_t written_ = 0;
+};
+
 }  // namespace
 
 bool writeFileAtomically(const std::string& path, std::string_view bytes, std::string* error) {
@@ -213,21 +314,9 @@ bool writeFileAtomically(const std::string& path, const Producer& produce, std::
   }
   if (fd < 0) return failAfterProducing("no free temporary name in its folder");
 
-  int writeErrno = 0;
-  off_t written = 0;
-  const bool produced = produce([&](std::string_view piece) {
-    if (writeErrno != 0) return false;
-    if (writeAll(fd, piece)) {
-      // The disk starts on each piece at once, so that the flush at the end
-      // waits for little more than the last one. Only a hint: its failure
-      // is not the file's.
-      (void)::sync_file_range(fd, written, static_cast<off_t>(piece.size()), SYNC_FILE_RANGE_WRITE);
-      written += static_cast<off_t>(piece.size());
-      return true;
-    }
-    writeErrno = errno != 0 ? errno : EIO;
-    return false;
-  });
+  PieceWriter pieces(fd);
+  const bool produced = produce([&](std::string_view piece) { return pieces.append(piece); });
+  const int writeErrno = pieces.finish();
   bool ok = produced && writeErrno == 0;
   if (!ok && writeErrno == 0) {
     // The bytes could not be made: the caller's error says why.
