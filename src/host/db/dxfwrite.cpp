@@ -21,8 +21,11 @@
 // by their SEQEND.
 #include <algorithm>
 #include <cmath>
+#include <condition_variable>
 #include <map>
+#include <mutex>
 #include <set>
+#include <thread>
 #include <unordered_map>
 
 #include "host/db/dbobjects.h"
@@ -31,6 +34,7 @@
 #include "host/db/internal.h"
 #include "host/dbdict.h"
 #include "host/dbents.h"
+#include "host/dbpl.h"
 #include "host/dbproxy.h"
 #include "host/dbsymtb.h"
 #include "host/dxf/writer.h"
@@ -215,6 +219,12 @@ class Writer {
   // An entity and the vertices or attributes that follow it.
   bool entity(AcDbObjectId id);
   bool blockEntities(AcDbBlockTableRecord* btr);
+  // Writes these entities in order, the groups of some runs of them made
+  // by a second thread meanwhile.
+  bool entitiesInParallel(const AcDbObjectIdArray& ids);
+  // Writes entities [from, to) of `ids` to the writer's own groups up to
+  // one it may not write in a second thread; the index of that one, or `to`.
+  size_t entitiesAside(const AcDbObjectIdArray& ids, size_t from, size_t to);
   // The BLOCK and ENDBLK of a block, made when the block has none yet.
   bool blockEnds(AcDbBlockTableRecord* btr, AcDbObjectId& begin, AcDbObjectId& end);
 
@@ -509,9 +519,143 @@ bool Writer::entity(AcDbObjectId id) {
   return true;
 }
 
+// Entities from this many on are written by two threads.
+constexpr size_t kParallelFrom = 8192;
+// Entities in a run that one thread writes.
+constexpr size_t kRun = 1024;
+// Runs a second thread may have written ahead of the file.
+constexpr size_t kRunsAhead = 6;
+
 bool Writer::blockEntities(AcDbBlockTableRecord* btr) {
-  for (AcDbObjectId id : btr->entityIds(false))
+  const AcDbObjectIdArray ids = btr->entityIds(false);
+  if (ids.size() >= kParallelFrom) return entitiesInParallel(ids);
+  for (AcDbObjectId id : ids)
     if (!entity(id)) return false;
+  return true;
+}
+
+namespace {
+
+// The classes whose objects a second thread may write while the first
+// writes others: their writing reads the object, the records it names and
+// its vertices or attributes, and changes nothing anywhere.
+bool writableAside(const AcDbObject* o) {
+  const AcRxClass* c = o ? o->isA() : nullptr;
+  return c == AcDbLine::desc() || c == AcDbPolyline::desc() || c == AcDbText::desc() || c == AcDbAttribute::desc() ||
+         c == AcDbBlockReference::desc() || c == AcDbSequenceEnd::desc() || c == AcDbCircle::desc() ||
+         c == AcDbArc::desc() || c == AcDbPoint::desc();
+}
+
+}  // namespace
+
+size_t Writer::entitiesAside(const AcDbObjectIdArray& ids, size_t from, size_t to) {
+  for (size_t k = from; k < to; ++k) {
+    AcDbObject* obj = peekObject(ids[k]);
+    if (!obj || ids[k].isErased()) continue;
+    if (!writableAside(obj)) return k;
+    // Its vertices or attributes: all there, SEQEND included, and as plain.
+    if (const auto* e = AcDbEntity::cast(obj); e && hasSubentities(e)) {
+      if (sequenceEndId(e).isNull()) return k;
+      for (AcDbObjectId p : subentityIds(e))
+        if (!writableAside(peekObject(p))) return k;
+    }
+    if (!entity(ids[k])) return k;
+  }
+  return to;
+}
+
+bool Writer::entitiesInParallel(const AcDbObjectIdArray& ids) {
+  // Runs of entities in file order, every other one written by each
+  // thread: this one straight to the file, the second into groups of its
+  // own that this one appends when it gets there. The second thread stops
+  // a run at an entity it may not write, and this one writes the rest.
+  struct Run {
+    std::string groups;
+    size_t stoppedAt = 0;
+    std::string error;
+    bool done = false;
+  };
+  const size_t runs = (ids.size() + kRun - 1) / kRun;
+  std::vector<Run> written(runs);
+  std::mutex mutex;
+  std::condition_variable changed;
+  size_t next = 1;      // the next run of the second thread's (every other one)
+  size_t appended = 0;  // runs this thread is past
+  bool stop = false;
+
+  auto second = [&] {
+    Writer aside(db_);
+    for (;;) {
+      size_t r;
+      {
+        std::unique_lock<std::mutex> lock(mutex);
+        changed.wait(lock, [&] { return stop || next >= runs || next < appended + kRunsAhead; });
+        if (stop || next >= runs) return;
+        r = next;
+        next += 2;
+      }
+      const size_t from = r * kRun, to = std::min(ids.size(), from + kRun);
+      Run out;
+      out.stoppedAt = aside.entitiesAside(ids, from, to);
+      if (!aside.error_.empty()) out.error = aside.error_;
+      out.groups = aside.w_.release();
+      aside.error_.clear();
+      aside.w_ = GroupWriter();
+      {
+        std::lock_guard<std::mutex> lock(mutex);
+        out.done = true;
+        written[r] = std::move(out);
+      }
+      changed.notify_all();
+    }
+  };
+  std::thread thread;
+  try {
+    thread = std::thread(second);
+  } catch (const std::exception&) {
+    // No second thread: this one writes them all.
+    for (AcDbObjectId id : ids)
+      if (!entity(id)) return false;
+    return true;
+  }
+  struct Join {
+    std::thread& t;
+    std::mutex& m;
+    std::condition_variable& c;
+    bool& stop;
+    ~Join() {
+      {
+        std::lock_guard<std::mutex> lock(m);
+        stop = true;
+      }
+      c.notify_all();
+      t.join();
+    }
+  } join{thread, mutex, changed, stop};
+
+  for (size_t r = 0; r < runs; ++r) {
+    const size_t from = r * kRun, to = std::min(ids.size(), from + kRun);
+    const bool mine = r % 2 == 0;
+    Run run;
+    if (!mine) {
+      std::unique_lock<std::mutex> lock(mutex);
+      changed.wait(lock, [&] { return written[r].done; });
+      run = std::move(written[r]);
+    }
+    size_t k = from;
+    if (!mine) {
+      w_.append(run.groups);
+      if (!run.error.empty()) return fail(run.error);
+      k = run.stoppedAt;
+    }
+    for (; k < to; ++k)
+      if (!entity(ids[k])) return false;
+    {
+      std::lock_guard<std::mutex> lock(mutex);
+      appended = r + 1;
+    }
+    changed.notify_all();
+  }
   return true;
 }
 

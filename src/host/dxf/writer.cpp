@@ -124,6 +124,13 @@ bool GroupWriter::point(int code, double x, double y, double z) {
 
 bool GroupWriter::point(int code, double x, double y) { return real(code, x) && real(code + 10, y); }
 
+bool GroupWriter::append(std::string_view groups) {
+  if (!ok()) return false;
+  out_ += groups;
+  done();
+  return ok();
+}
+
 bool GroupWriter::group(const Group& g) {
   if (const auto* s = std::get_if<std::string>(&g.value)) return text(g.code, *s);
   if (const auto* d = std::get_if<double>(&g.value)) return real(g.code, *d);

@@ -41,6 +41,9 @@ class GroupWriter {
   bool point(int code, double x, double y, double z);  // code, code + 10, code + 20
   bool point(int code, double x, double y);            // code, code + 10
   bool group(const Group& g);                     // by the kind the value holds
+  // Groups another writer made, as they are (ok() and the sink as for
+  // groups written here).
+  bool append(std::string_view groups);
 
   bool ok() const { return error_.empty(); }
   // "group 1: a line break cannot be written in a text value", empty when ok.
