@@ -129,7 +129,7 @@ struct Complex {
 
 class Reader {
  public:
-  Reader(AcDbDatabase* db, const std::vector<Group>& groups, int version, std::vector<std::string>* warnings)
+  Reader(AcDbDatabase* db, const dxf::GroupRefs& groups, int version, std::vector<std::string>* warnings)
       : db_(db), g_(groups), warnings_(warnings), r12_(version > 0 && version < 1012) {}
   // The file's bytes are the reader's own: those it is past may be given
   // back to the system as it goes (see releaseBefore).
@@ -199,7 +199,7 @@ class Reader {
   bool finish();
 
   AcDbDatabase* db_;
-  const std::vector<Group>& g_;
+  const dxf::GroupRefs& g_;
   std::vector<std::string>* warnings_;
   bool r12_;
   std::string error_;

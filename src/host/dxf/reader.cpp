@@ -178,7 +178,7 @@ struct TextSettings {
   const GroupRef* codePage = nullptr;
 };
 
-TextSettings findTextSettings(const std::vector<GroupRef>& groups) {
+TextSettings findTextSettings(const GroupRefs& groups) {
   TextSettings t;
   const size_t n = groups.size();
   for (size_t i = 0; i + 1 < n; ++i) {
@@ -199,7 +199,7 @@ TextSettings findTextSettings(const std::vector<GroupRef>& groups) {
 // Decides the file's encoding and decodes the text that needs it; decoded
 // text goes to r.decoded and its groups view it there.
 void decodeAll(GroupList& r, const ReadOptions& options) {
-  std::vector<GroupRef>& groups = r.groups;
+  GroupRefs& groups = r.groups;
   const TextSettings settings = findTextSettings(groups);
   const GroupRef* ver = settings.version;
   const GroupRef* page = settings.codePage;
@@ -269,9 +269,29 @@ struct Parsed {
   std::string_view rest;  // what follows it
 };
 
+// Where parsed groups go: the end of a list, or room set aside in it
+// (put() false when that is full).
+struct ToList {
+  GroupRefs& list;
+  bool put(const GroupRef& g) {
+    list.push_back(g);
+    return true;
+  }
+};
+struct ToRoom {
+  GroupRef* at;
+  GroupRef* end;
+  bool put(const GroupRef& g) {
+    if (at == end) return false;
+    *at++ = g;
+    return true;
+  }
+};
+
 // Reads the groups of `bytes`, the lines after the first `before` of the
 // file, into `out`, up to the end, 0/EOF, blank lines to the end, or a fault.
-Parsed parseLines(std::string_view bytes, char eol, int before, std::vector<GroupRef>& out) {
+template <class Out>
+Parsed parseLines(std::string_view bytes, char eol, int before, Out&& out) {
   Lines lines(bytes, eol, before);
   std::string_view codeLine, valueLine;
   Parsed p;
@@ -299,14 +319,14 @@ Parsed parseLines(std::string_view bytes, char eol, int before, std::vector<Grou
     switch (valueKind(type)) {
       case ValueKind::Text:
         if (valueLine.size() > UINT32_MAX) return fault(line + 1, "the line is too long to be read");
-        out.push_back(GroupRef::ofText(code, line, valueLine));
+        if (!out.put(GroupRef::ofText(code, line, valueLine))) return fault(line, "no room for the groups");
         break;
       case ValueKind::Real: {
         double d = 0;
         if (!parseReal(valueLine, d))
           return fault(line + 1, "expected a real number for group " + std::to_string(code) + ", found " +
                                     quoted(valueLine));
-        out.push_back(GroupRef::ofReal(code, line, d));
+        if (!out.put(GroupRef::ofReal(code, line, d))) return fault(line, "no room for the groups");
         break;
       }
       case ValueKind::Integer: {
@@ -317,7 +337,8 @@ Parsed parseLines(std::string_view bytes, char eol, int before, std::vector<Grou
         // Unsigned forms become the signed values with the same bits.
         if (type == GroupType::Int16 && v > 32767) v -= 65536;
         if (type == GroupType::Int32 && v > 2147483647LL) v -= 4294967296LL;
-        out.push_back(GroupRef::ofInteger(code, line, type == GroupType::Bool ? std::int64_t{v != 0} : v));
+        if (!out.put(GroupRef::ofInteger(code, line, type == GroupType::Bool ? std::int64_t{v != 0} : v)))
+          return fault(line, "no room for the groups");
         break;
       }
     }
@@ -338,8 +359,8 @@ constexpr size_t kHalvesFrom = size_t{8} << 20;
 // being the count of "\n" in the first half of the bytes (size / 2) and
 // `newlines` in all of them. False, with `out` empty, when the halves
 // cannot stand for one reading.
-bool parseHalves(std::string_view bytes, char eol, size_t firstHalfNewlines, size_t newlines,
-                 std::vector<GroupRef>& out, Parsed& parsed) {
+bool parseHalves(std::string_view bytes, char eol, size_t firstHalfNewlines, size_t newlines, GroupRefs& out,
+                 Parsed& parsed) {
   // The second half starts at the first code line after the middle: a
   // line with an odd number.
   size_t split = bytes.size() / 2;
@@ -356,31 +377,39 @@ bool parseHalves(std::string_view bytes, char eol, size_t firstHalfNewlines, siz
   if (before % 2 != 0 && !nextLine()) return false;
   if (split >= bytes.size() || before > static_cast<size_t>(kMaxLines)) return false;
 
+  // Each half's groups go straight to their places in the list: the first
+  // half's lines make at most before / 2 groups (exactly that many when it
+  // reads to its end), the second's at most half of its lines and one.
   const size_t lines = eol == '\n' ? newlines : static_cast<size_t>(std::count(bytes.begin(), bytes.end(), eol));
-  std::vector<GroupRef> second;
+  const size_t firstRoom = before / 2;
+  const size_t secondRoom = (lines - before) / 2 + 2;
   Parsed secondParsed;
   bool secondDone = false;
+  size_t secondCount = 0;
   try {
-    second.reserve((lines - before) / 2 + 1);
-    adviseLargePages(second.data(), second.capacity() * sizeof(GroupRef));
+    out.resize(firstRoom + secondRoom);  // the groups are not touched here
+    GroupRef* const second = out.data() + firstRoom;
     std::thread other([&] {
       try {
-        secondParsed = parseLines(bytes.substr(split), eol, static_cast<int>(before), second);
-        secondDone = true;
+        ToRoom room{second, second + secondRoom};
+        secondParsed = parseLines(bytes.substr(split), eol, static_cast<int>(before), room);
+        secondCount = static_cast<size_t>(room.at - second);
+        secondDone = secondParsed.stop != Stop::Fault || secondParsed.error != "no room for the groups";
       } catch (const std::exception&) {
         // Out of memory: the one reading below fails as it fails.
       }
     });
     Parsed first;
     bool firstDone = false;
+    ToRoom room{out.data(), second};
     try {
-      first = parseLines(bytes.substr(0, split), eol, 0, out);
+      first = parseLines(bytes.substr(0, split), eol, 0, room);
       firstDone = true;
     } catch (const std::exception&) {
       // As for the second half.
     }
     other.join();
-    if (!firstDone || !secondDone || first.stop != Stop::End || out.size() != before / 2) {
+    if (!firstDone || !secondDone || first.stop != Stop::End || room.at != second) {
       out.clear();
       return false;
     }
@@ -389,7 +418,7 @@ bool parseHalves(std::string_view bytes, char eol, size_t firstHalfNewlines, siz
     out.clear();
     return false;
   }
-  out.insert(out.end(), second.begin(), second.end());
+  out.resize(firstRoom + secondCount);
   parsed = std::move(secondParsed);
   return true;
 }
@@ -441,7 +470,7 @@ GroupList readGroupList(std::string_view bytes, const ReadOptions& options) {
   const size_t newlines =
       firstHalfNewlines + static_cast<size_t>(std::count(bytes.begin() + bytes.size() / 2, bytes.end(), '\n'));
   const char eol = newlines == 0 && bytes.find('\r') != std::string_view::npos ? '\r' : '\n';
-  r.groups.reserve(newlines / 2 + 1);
+  r.groups.reserve(newlines / 2 + 2);
   adviseLargePages(r.groups.data(), r.groups.capacity() * sizeof(GroupRef));
 
   // A large file is read in two halves at once, the second from the first
@@ -452,7 +481,7 @@ GroupList readGroupList(std::string_view bytes, const ReadOptions& options) {
   Parsed parsed;
   bool done = false;
   if (bytes.size() >= kHalvesFrom) done = parseHalves(bytes, eol, firstHalfNewlines, newlines, r.groups, parsed);
-  if (!done) parsed = parseLines(bytes, eol, 0, r.groups);
+  if (!done) parsed = parseLines(bytes, eol, 0, ToList{r.groups});
   if (parsed.stop == Stop::Fault) return fail(parsed.errorLine, parsed.error);
   const bool sawEof = parsed.stop == Stop::Eof;
   Lines lines(parsed.rest, eol, parsed.lastLine);

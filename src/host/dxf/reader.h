@@ -22,8 +22,10 @@
 #pragma once
 
 #include <deque>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "host/dxf/encoding.h"
@@ -53,6 +55,27 @@ struct ReadResult {
 
 ReadResult readGroups(std::string_view fileBytes, const ReadOptions& options = {});
 
+// Room for the groups of a whole file. Growing it leaves the new groups
+// unset (a reader fills them in place, two halves of a file at once), so
+// that no group's memory is touched twice.
+template <class T>
+struct GroupAllocator : std::allocator<T> {
+  GroupAllocator() = default;
+  template <class U>
+  GroupAllocator(const GroupAllocator<U>&) noexcept {}
+  template <class U>
+  void construct(U*) noexcept {}
+  template <class U, class... Args>
+  void construct(U* p, Args&&... args) {
+    ::new (static_cast<void*>(p)) U(std::forward<Args>(args)...);
+  }
+  template <class U>
+  bool operator==(const GroupAllocator<U>&) const noexcept {
+    return true;
+  }
+};
+using GroupRefs = std::vector<GroupRef, GroupAllocator<GroupRef>>;
+
 // The same reading, with the groups' text left where it is: each group
 // views the file's bytes, which must stay alive and unchanged as long as
 // the groups are used, or, for text that decoding changed, `decoded`.
@@ -61,7 +84,7 @@ struct GroupList {
   bool ok = false;
   std::string error;
   int errorLine = 0;
-  std::vector<GroupRef> groups;
+  GroupRefs groups;
   std::vector<std::string> warnings;
   std::string version;
   int codePage = 0;
