@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <span>
 #include <stdexcept>
 #include <thread>
 
@@ -197,8 +198,9 @@ TextSettings findTextSettings(const GroupRefs& groups) {
 }
 
 // Decides the file's encoding and decodes the text that needs it; decoded
-// text goes to r.decoded and its groups view it there.
-void decodeAll(GroupList& r, const ReadOptions& options) {
+// text goes to r.decoded and its groups view it there. `plain`: every text
+// is ASCII without a backslash, and none needs decoding.
+void decodeAll(GroupList& r, const ReadOptions& options, bool plain) {
   GroupRefs& groups = r.groups;
   const TextSettings settings = findTextSettings(groups);
   const GroupRef* ver = settings.version;
@@ -220,7 +222,7 @@ void decodeAll(GroupList& r, const ReadOptions& options) {
   if (!utf8 && named == 0) {
     // No usable code page: UTF-8 when every text is well-formed UTF-8.
     utf8 = true;
-    for (const GroupRef& g : groups) {
+    for (const GroupRef& g : plain ? std::span<const GroupRef>() : std::span<const GroupRef>(groups)) {
       if (decodes(g) && !isAscii(g.text()) && !sys::isValidUtf8(g.text())) {
         utf8 = false;
         break;
@@ -231,7 +233,7 @@ void decodeAll(GroupList& r, const ReadOptions& options) {
 
   int badLines = 0;
   int firstBad = 0;
-  for (GroupRef& g : groups) {
+  for (GroupRef& g : plain ? std::span<GroupRef>() : std::span<GroupRef>(groups)) {
     if (!decodes(g)) continue;
     const std::string_view s = g.text();
     const TextScan t = scan(s);
@@ -267,6 +269,7 @@ struct Parsed {
   std::string error;
   int lastLine = 0;      // the line last read
   std::string_view rest;  // what follows it
+  bool plain = true;      // every text read is ASCII without a backslash
 };
 
 // Where parsed groups go: the end of a list, or room set aside in it
@@ -319,6 +322,12 @@ Parsed parseLines(std::string_view bytes, char eol, int before, Out&& out) {
     switch (valueKind(type)) {
       case ValueKind::Text:
         if (valueLine.size() > UINT32_MAX) return fault(line + 1, "the line is too long to be read");
+        if (p.plain) {
+          // Seen here, while the text is at hand: text that decoding
+          // leaves as it is needs no second look.
+          const TextScan t = scan(valueLine);
+          p.plain = t.ascii && !t.backslash;
+        }
         if (!out.put(GroupRef::ofText(code, line, valueLine))) return fault(line, "no room for the groups");
         break;
       case ValueKind::Real: {
@@ -386,6 +395,7 @@ bool parseHalves(std::string_view bytes, char eol, size_t firstHalfNewlines, siz
   Parsed secondParsed;
   bool secondDone = false;
   size_t secondCount = 0;
+  bool firstPlain = true;
   try {
     out.resize(firstRoom + secondRoom);  // the groups are not touched here
     GroupRef* const second = out.data() + firstRoom;
@@ -409,6 +419,7 @@ bool parseHalves(std::string_view bytes, char eol, size_t firstHalfNewlines, siz
       // As for the second half.
     }
     other.join();
+    firstPlain = first.plain;
     if (!firstDone || !secondDone || first.stop != Stop::End || room.at != second) {
       out.clear();
       return false;
@@ -420,6 +431,7 @@ bool parseHalves(std::string_view bytes, char eol, size_t firstHalfNewlines, siz
   }
   out.resize(firstRoom + secondCount);
   parsed = std::move(secondParsed);
+  parsed.plain = parsed.plain && firstPlain;
   return true;
 }
 
@@ -492,7 +504,7 @@ GroupList readGroupList(std::string_view bytes, const ReadOptions& options) {
     if (!allBlank(rest)) r.warnings.push_back(at(lines.line() + 1, "text after 0/EOF is ignored"));
   }
 
-  decodeAll(r, options);
+  decodeAll(r, options, parsed.plain);
   r.ok = true;
   return r;
 }

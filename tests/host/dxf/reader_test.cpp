@@ -473,5 +473,30 @@ TEST(ReadLarge, HalvesReadAsOne) {
   }
 }
 
+// Text that decoding changes, in one half of a large file only, the rest
+// plain ASCII: decoded wherever it stands, by the code page the header names.
+TEST(ReadLarge, TextIsDecodedInEitherHalf) {
+  const Pairs pairs = largePairs();
+  const size_t n = pairs.size();
+  for (size_t at : {n / 4, 3 * n / 4}) {
+    while (pairs[at].first != 8) ++at;
+    Pairs header = {{0, "SECTION"}, {2, "HEADER"}, {9, "$ACADVER"}, {1, "AC1015"}, {9, "$DWGCODEPAGE"},
+                    {3, "ANSI_1252"}, {0, "ENDSEC"}};
+    Pairs file = header;
+    file.insert(file.end(), pairs.begin(), pairs.end());
+    const size_t escaped = at + header.size(), latin = escaped + 5;
+    ASSERT_EQ(file[latin].first, 8);
+    file[escaped].second = "Stra\\U+00DFe";  // \U+00DF in the file
+    file[latin].second = "Caf\xE9";          // 1252's e acute
+    const std::string bytes = dxf(file, "\r\n");
+    ASSERT_GE(bytes.size(), size_t{8} << 20);  // read in halves
+    const GroupList list = readGroupList(bytes);
+    ASSERT_TRUE(list.ok) << list.error;
+    EXPECT_EQ(list.groups[escaped].text(), "Stra\xC3\x9F" "e") << at;
+    EXPECT_EQ(list.groups[latin].text(), "Caf\xC3\xA9") << at;
+    EXPECT_EQ(list.groups[escaped + 10].text(), file[escaped + 10].second);
+  }
+}
+
 }  // namespace
 }  // namespace zepk::dxf
