@@ -1006,6 +1006,7 @@ bool Reader::run(const dxf::Layout& layout) {
       case SectionKind::Classes: ok = readClasses(s); break;
       case SectionKind::Tables: ok = readTables(s) && completeTablesOnce(); break;
       case SectionKind::Blocks: ok = completeTablesOnce() && readBlocks(s); break;
+      case SectionKind::Entities: ok = completeTablesOnce() && readEntities(s); break;
       case SectionKind::Objects: ok = readObjects(s); break;
       default: keepSection(s); break;
     }
