@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "host/acdocman.h"
+#include "host/acedinpt.h"
 #include "host/editor/commands.h"
 #include "host/editor/input.h"
 #include "host/editor/sysvars.h"
@@ -158,7 +160,24 @@ int initGet(int bits, std::u16string_view keywords) {
 
 const std::u16string& lastInputKeyword() { return lastKeyword; }
 
+int askPoint(const double* base, const std::u16string& prompt, double out[3]);
+
+// A point asked for: the document's input point manager hears the request
+// and its answer, and its filter may move the point.
 int getPoint(const double* base, const std::u16string& prompt, double out[3]) {
+  AcApDocument* doc = acDocManager ? acDocManager->curDocument() : nullptr;
+  AcEdInputPointManager* ipm = acedInputPointManager(doc);
+  if (ipm) ipm->beginGetPoint(base, prompt.c_str(), pending.bits, nullptr);
+  int st = askPoint(base, prompt, out);
+  if (ipm) {
+    double none[3] = {0, 0, 0};
+    ipm->endGetPoint(doc, st, st == RTNORM ? out : none);
+    if (st == RTNORM) rememberPoint(out);
+  }
+  return st;
+}
+
+int askPoint(const double* base, const std::u16string& prompt, double out[3]) {
   InitGet g = std::move(pending);
   pending = InitGet{};
   for (;;) {

@@ -361,7 +361,9 @@ Value fnExitWithValue(Interp& in, ArgSpan a) {
 // so this only checks that the symbol names one.
 Value fnAcadDefun(Interp& in, ArgSpan a) {
   checkArgc(in, a, 1, 1);
-  Symbol* s = argSym(in, a[0]);
+  // Compiled code names the function by a string (acedInvoke cannot pass
+  // a symbol); it is the symbol of that name.
+  Symbol* s = a[0].isStr() ? intern(sys::toUtf8(argStr(in, a[0]))) : argSym(in, a[0]);
   if (s->value.isNil()) in.fail(u"no function definition: " + sys::fromUtf8(s->name));
   return Value::sym(s);
 }

@@ -8,6 +8,7 @@
 #include "host/ads.h"
 #include "host/lisp/bridge.h"
 #include "host/lisp/printer.h"
+#include "host/rxdlinkr.h"
 #include "host/system/shell.h"
 #include "host/system/utf.h"
 
@@ -22,6 +23,8 @@ struct Module {
   bool autoload = false;
   State state = State::NotLoaded;
   uint64_t loadSeq = 0;
+  bool locked = true;  // the dynamic linker's view; set anew at each load
+  bool mdiAware = false;
 };
 
 namespace {
@@ -142,6 +145,8 @@ Status loadModule(std::u16string_view nameOrPath) {
   if (!m) return Status::NotFound;
   if (m->state != State::NotLoaded) return Status::AlreadyLoaded;
   m->state = State::Loading;
+  m->locked = true;
+  m->mdiAware = false;
   if (send(m, AcRx::kInitAppMsg, m) == AcRx::kRetError) {
     dropDefinitions(m);
     m->state = State::NotLoaded;
@@ -328,4 +333,86 @@ resbuf* acedArxLoaded() {
 const ACHAR* acedGetAppName() {
   zepk::rx::Module* m = zepk::lisp::currentModule();
   return m ? m->name.c_str() : u"";
+}
+
+// ---------------------------------------------------------------- rxdlinkr.h
+
+namespace {
+
+// The handle an application holds is its module record.
+zepk::rx::Module* byHandle(void* appId) {
+  auto* m = static_cast<zepk::rx::Module*>(appId);
+  for (auto& r : zepk::rx::registry()) {
+    if (r.get() == m) return m;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+bool AcRxDynamicLinker::unlockApplication(void* appId) const {
+  zepk::rx::Module* m = byHandle(appId);
+  if (m) m->locked = false;
+  return m != nullptr;
+}
+
+bool AcRxDynamicLinker::lockApplication(void* appId) const {
+  zepk::rx::Module* m = byHandle(appId);
+  if (m) m->locked = true;
+  return m != nullptr;
+}
+
+bool AcRxDynamicLinker::isApplicationLocked(const ACHAR* name) const {
+  zepk::rx::Module* m = name ? zepk::rx::find(name) : nullptr;
+  return m && m->state != zepk::rx::State::NotLoaded && m->locked;
+}
+
+bool AcRxDynamicLinker::registerAppMDIAware(void* appId) const {
+  zepk::rx::Module* m = byHandle(appId);
+  if (m) m->mdiAware = true;
+  return m != nullptr;
+}
+
+bool AcRxDynamicLinker::registerAppNotMDIAware(void* appId) const {
+  zepk::rx::Module* m = byHandle(appId);
+  if (m) m->mdiAware = false;
+  return m != nullptr;
+}
+
+bool AcRxDynamicLinker::isAppMDIAware(const ACHAR* name) const {
+  zepk::rx::Module* m = name ? zepk::rx::find(name) : nullptr;
+  return m && m->mdiAware;
+}
+
+AcRxDynamicLinker* acrxDynamicLinkerPtr() {
+  static auto* linker = new AcRxDynamicLinker;
+  return linker;
+}
+
+namespace {
+
+struct Service : AcRxObject {};
+
+std::vector<std::pair<std::u16string, std::unique_ptr<Service>>>& services() {
+  static auto* s = new std::vector<std::pair<std::u16string, std::unique_ptr<Service>>>;
+  return *s;
+}
+
+}  // namespace
+
+bool acrxServiceIsRegistered(const ACHAR* name) {
+  if (!name) return false;
+  for (auto& s : services()) {
+    if (s.first == name) return true;
+  }
+  return false;
+}
+
+AcRxObject* acrxRegisterService(const ACHAR* name) {
+  if (!name || !*name) return nullptr;
+  for (auto& s : services()) {
+    if (s.first == name) return s.second.get();
+  }
+  services().emplace_back(name, std::make_unique<Service>());
+  return services().back().second.get();
 }
