@@ -111,7 +111,21 @@ int runSession(const Options& opt) {
   editor::registerDocumentCommands();
   // What each new document's LISP starts with: the host's own functions.
   editor::captureLispBase();
-  rx::loadAutoloadModules();
+  if (opt.steps.empty()) {
+    rx::loadAutoloadModules();
+  } else {
+    // With expressions or files to run, standard output carries their
+    // results only: what the modules say while loading goes to standard
+    // error.
+    lisp::StringOutput startup;
+    in.setOutput(&startup);
+    rx::loadAutoloadModules();
+    in.setOutput(nullptr);
+    if (!startup.text.empty()) {
+      size_t from = startup.text.find_first_not_of('\n');
+      if (from != std::string::npos) std::fprintf(stderr, "%s\n", startup.text.c_str() + from);
+    }
+  }
   editor::setScriptRunner([&](const std::u16string& path) {
     std::string text;
     if (!readFile(sys::toUtf8(path), &text)) {

@@ -7,9 +7,9 @@
 #pragma once
 
 #include "host/ads.h"
-#include "host/rxobject.h"
+#include "host/rxobject.h"  // services are AcRxObjects
 
-class AcRxDynamicLinker : public AcRxObject {
+class AcRxDynamicLinker {
  public:
   bool unlockApplication(void* appId) const;
   bool lockApplication(void* appId) const;

@@ -389,30 +389,3 @@ AcRxDynamicLinker* acrxDynamicLinkerPtr() {
   return linker;
 }
 
-namespace {
-
-struct Service : AcRxObject {};
-
-std::vector<std::pair<std::u16string, std::unique_ptr<Service>>>& services() {
-  static auto* s = new std::vector<std::pair<std::u16string, std::unique_ptr<Service>>>;
-  return *s;
-}
-
-}  // namespace
-
-bool acrxServiceIsRegistered(const ACHAR* name) {
-  if (!name) return false;
-  for (auto& s : services()) {
-    if (s.first == name) return true;
-  }
-  return false;
-}
-
-AcRxObject* acrxRegisterService(const ACHAR* name) {
-  if (!name || !*name) return nullptr;
-  for (auto& s : services()) {
-    if (s.first == name) return s.second.get();
-  }
-  services().emplace_back(name, std::make_unique<Service>());
-  return services().back().second.get();
-}
