@@ -494,6 +494,21 @@ void cmdClock() {
   if (lisp::Interp* in = lisp::Interp::current()) in->runQueued();
 }
 
+// ZEPKPOST: posts a window message to the current document's window, as
+// the window system would on a key or a click: the message number, then
+// wParam and lParam (0 for Enter). Watchers see it when the command line
+// is idle next.
+void cmdPost() {
+  int msg = 0, w = 0, l = 0;
+  acedInitGet(4, nullptr);
+  if (acedGetInt(u"\nMessage number: ", &msg) != RTNORM) return;
+  int rc = acedGetInt(u"\nwParam <0>: ", &w);
+  if (rc != RTNORM && rc != RTNONE) return;
+  rc = acedGetInt(u"\nlParam <0>: ", &l);
+  if (rc != RTNORM && rc != RTNONE) return;
+  PostMessageW(adsw_acadDocWnd(), static_cast<UINT>(msg), static_cast<WPARAM>(w), static_cast<LPARAM>(l));
+}
+
 // The status bar's meter.
 struct Progress {
   bool shown = false;
@@ -599,6 +614,9 @@ void registerDocumentCommands() {
   d.builtin = true;
   d.noUndoMark = true;
   d.flags = ACRX_CMD_TRANSPARENT;
+  Commands::get().add(d);
+  d.global = d.local = u"ZEPKPOST";
+  d.fn = cmdPost;
   Commands::get().add(d);
 }
 
