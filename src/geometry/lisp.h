@@ -1,0 +1,48 @@
+// The LISP functions of the vector, matrix and plane family.
+#pragma once
+
+namespace zepk::geometry {
+
+int lispVecUnit();
+int lispVecNorm();
+int lispVecCross();
+int lispVecDot();
+int lispVecAdd();
+int lispVecSub();
+int lispVecMxV();
+int lispVecScale();
+int lispVecIsCodirectional();
+int lispVecIsParallel();
+int lispVecIsPerpendicular();
+int lispVecIsUnit();
+int lispVecIsZero();
+int lispVecRotateTo();
+int lispVecPerp();
+int lispVecNegate();
+int lispVecOrthoProject();
+int lispVecProject();
+int lispVecMirror();
+int lispVecRotateBy();
+int lispVecAngleTo();
+
+int lispMatIdentity();
+int lispMatDet();
+int lispMatInverse();
+int lispMatTrp();
+int lispMatProduct();
+int lispMatTranslation();
+int lispMatRotation();
+int lispMatGetCoordSystem();
+int lispMatSetCoordSystem();
+int lispMatAlignCoordSys();
+int lispMatMirroring();
+int lispMatScaling();
+int lispMatIsScaledOrtho();
+int lispMatIsUniScaledOrtho();
+int lispMatNorm();
+int lispMatScale();
+int lispMatWcs2Ucs();
+int lispMatUcs2Wcs();
+int lispMatMxP();
+
+}  // namespace zepk::geometry
