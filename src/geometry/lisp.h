@@ -44,5 +44,20 @@ int lispMatScale();
 int lispMatWcs2Ucs();
 int lispMatUcs2Wcs();
 int lispMatMxP();
+int lispMatBlockTransform2Ref();
+int lispMatBlockTransform2Def();
+
+int lispPlane();
+int lispPlaneIntersectWith();
+int lispLine3dIntersectWith();
+int lispLine3dProjIntersectWith();
+int lispInters();
+int lispIsColinearTo();
+int lispPointIsColinearTo();
+int lispPointGetColinear();
+int lispPointProject();
+int lispPointPerToLine();
+int lispPointPerDistance();
+int lispPointGetTriIntersElev();
 
 }  // namespace zepk::geometry

@@ -6,92 +6,16 @@
 
 #include "frame/lisp_bridge.h"
 #include "geometry/lisp.h"
+#include "geometry/lisp_args.h"
 #include "host/gemat3d.h"
 #include "host/geplane.h"
 #include "host/gevec3d.h"
 
 namespace zepk::geometry {
 
+using namespace lispargs;
+
 namespace {
-
-using frame::MsgStyle;
-
-// Where a family puts its texts: the count messages in one style, the
-// position messages (argument N is wrong) in another.
-struct Styles {
-  MsgStyle count;
-  MsgStyle position;
-};
-
-constexpr Styles kVec{MsgStyle::Bang, MsgStyle::Bang};
-constexpr Styles kVecTests{MsgStyle::Bang, MsgStyle::LineBang};
-constexpr Styles kMat{MsgStyle::LineBang, MsgStyle::LineBang};
-
-// Reads the arguments in order; every read returns false after printing.
-class Args {
- public:
-  explicit Args(Styles s) : s_(s), cur_(acedGetArgs()) {}
-
-  bool vec(AcGeVector3d& v) {
-    AcGePoint3d p;
-    if (!point(p)) return false;
-    v.set(p.x, p.y, p.z);
-    return true;
-  }
-  bool point(AcGePoint3d& p) { return take(RbGetPoint3d(&cur_, p)); }
-  bool real(double& r) { return take(RbGetReal(&cur_, r)); }
-  // A matrix starts as the identity: places the list does not reach keep it.
-  bool matrix(AcGeMatrix3d& m) {
-    m.setToIdentity();
-    return take(RbGetMatrix(&cur_, m.entry));
-  }
-  bool more() const { return cur_ != nullptr; }
-  int type() const { return cur_ ? cur_->restype : RTNONE; }
-  bool end() {
-    if (!cur_) return true;
-    frame::failTooMany(s_.count);
-    return false;
-  }
-
- private:
-  bool take(int st) {
-    ++n_;
-    if (st == RTNORM) return true;
-    if (st == RTNONE) {
-      frame::failTooFew(s_.count);
-    } else {
-      frame::failBadArg(s_.position, n_);
-    }
-    return false;
-  }
-  Styles s_;
-  resbuf* cur_;
-  int n_ = 0;
-};
-
-int retVec(const AcGeVector3d& v) {
-  ads_point p = {v.x, v.y, v.z};
-  acedRetPoint(p);
-  return RSRSLT;
-}
-
-int retPoint(const AcGePoint3d& v) {
-  ads_point p = {v.x, v.y, v.z};
-  acedRetPoint(p);
-  return RSRSLT;
-}
-
-int retBool(bool b) {
-  b ? acedRetT() : acedRetNil();
-  return RSRSLT;
-}
-
-int retReal(double r) {
-  acedRetReal(r);
-  return RSRSLT;
-}
-
-int retMatrix(const AcGeMatrix3d& m) { return frame::retList(RbFromMatrix(m.entry)); }
 
 AcGeVector3d planeNormal(const AcGePoint3d& a, const AcGePoint3d& b, const AcGePoint3d& c) {
   return (b - a).crossProduct(c - a);

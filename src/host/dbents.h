@@ -770,6 +770,9 @@ class AcDbBlockReference : public AcDbEntity {
   Acad::ErrorStatus setRotation(double a);
   AcGeVector3d normal() const { return normal_; }
   Acad::ErrorStatus setNormal(const AcGeVector3d& n);
+  // Block coordinates to world coordinates, as the reference places the
+  // block (its base point goes to the position).
+  AcGeMatrix3d blockTransform() const;
 
   // Attributes. The reference must be open for write when it is in a
   // database (eNotOpenForWrite); the attribute must not be in a database yet
@@ -788,6 +791,7 @@ class AcDbBlockReference : public AcDbEntity {
 
  protected:
   zepk::db::OwnedSequence* ownedSequence() const override;
+  AcGeMatrix3d placement(const AcGePoint3d& base) const;
   friend struct zepk::db::EntityAccess;
   AcDbObjectId mutable blockId_;
   std::u16string blockName_;

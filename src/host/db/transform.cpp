@@ -827,19 +827,35 @@ Acad::ErrorStatus AcDbRasterImage::transformBy(const AcGeMatrix3d& xform) {
 // show), as the host leaves them. A repeated reference (MINSERT) does not
 // explode. Where an entity cannot take the reference's scale (a text
 // scaled unevenly) the whole explosion is refused with that status.
+// Block coordinates to world: the block's base point to the origin, the
+// scale factors, the rotation about the reference's Z axis, the position in
+// the reference's own system, and that system to world.
+AcGeMatrix3d AcDbBlockReference::placement(const AcGePoint3d& base) const {
+  AcGeMatrix3d scale;
+  scale.entry[0][0] = scaleX_;
+  scale.entry[1][1] = scaleY_;
+  scale.entry[2][2] = scaleZ_;
+  return AcGeMatrix3d::planeToWorld(normal_) * AcGeMatrix3d::translation(position_.asVector()) *
+         AcGeMatrix3d::rotation(rotation_, AcGeVector3d::kZAxis) * scale * AcGeMatrix3d::translation(-base.asVector());
+}
+
+AcGeMatrix3d AcDbBlockReference::blockTransform() const {
+  AcGePoint3d base;
+  AcDbBlockTableRecord* rec = nullptr;
+  if (acdbOpenObject(rec, blockTableRecord(), AcDb::kForRead) == Acad::eOk) {
+    base = rec->origin();
+    rec->close();
+  }
+  return placement(base);
+}
+
 Acad::ErrorStatus AcDbBlockReference::explode(AcDbVoidPtrArray& entitySet) const {
   if (columns_ > 1 || rows_ > 1) return Acad::eNotApplicable;
   AcDbObjectId block = blockTableRecord();
   AcDbBlockTableRecord* rec = nullptr;
   Acad::ErrorStatus es = acdbOpenObject(rec, block, AcDb::kForRead);
   if (es != Acad::eOk) return es;
-  AcGeMatrix3d scale;
-  scale.entry[0][0] = scaleX_;
-  scale.entry[1][1] = scaleY_;
-  scale.entry[2][2] = scaleZ_;
-  AcGeMatrix3d place = AcGeMatrix3d::planeToWorld(normal_) * AcGeMatrix3d::translation(position_.asVector()) *
-                       AcGeMatrix3d::rotation(rotation_, AcGeVector3d::kZAxis) * scale *
-                       AcGeMatrix3d::translation(-rec->origin().asVector());
+  AcGeMatrix3d place = placement(rec->origin());
   AcDbBlockTableRecordIterator* it = nullptr;
   es = rec->newIterator(it);
   rec->close();
