@@ -60,4 +60,45 @@ int lispPointPerToLine();
 int lispPointPerDistance();
 int lispPointGetTriIntersElev();
 
+
+int lispCurveGetStartParam();
+int lispCurveGetEndParam();
+int lispCurveGetStartPoint();
+int lispCurveGetEndPoint();
+int lispCurveIsClosed();
+int lispCurveIsPeriodic();
+int lispCurveGetDistAtParam();
+int lispCurveGetParamAtDist();
+int lispCurveGetPointAtParam();
+int lispCurveGetPointAtDist();
+int lispCurveGetDistAtPoint();
+int lispCurveGetParamAtPoint();
+int lispCurveGetFirstDeriv();
+int lispCurveGetSecondDeriv();
+int lispCurveLength();
+int lispCurveMidPoint();
+int lispCurveGetClosestPointTo();
+int lispCurveDistanceTo();
+int lispCurveReverse();
+int lispCurveGetSamplet();
+int lispCurveGetUniformPoints();
+int lispPolyGetData();
+int lispClockWiseP();
+int lispGetArea();
+int lispCurveGetArea();
+int lispCurveToLwpolyline();
+int lispPointGetBulge();
+int lispPointGetCenter();
+int lispCurveInters();
+int lispGetIntersPoints();
+int lispCurveGetOrthoProjectedCurve();
+int lispCurveGetProjectCurve();
+int lispCurveGetSpline();
+int lispCurveToRegion();
+int lispRegionToPoly();
+int lispCurveCentroid();
+int lispPolyAddVertex();
+int lispPolyOrderByIndex();
+int lispPointsTransFormBy();
+
 }  // namespace zepk::geometry

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "frame/lisp_bridge.h"
+#include "host/dbapserv.h"
 #include "host/dbid.h"
 #include "host/gemat3d.h"
 #include "host/gepnt3d.h"
@@ -55,6 +56,46 @@ class Args {
   bool nextIsNumber() const { return type() == RTREAL || type() == RTSHORT; }
   // The entity named by the next argument.
   bool objectId(AcDbObjectId& id) { return take(RbGetObjectId(&cur_, id)); }
+  bool integer(int32_t& v) { return take(RbGetLong(&cur_, v)); }
+  // An optional flag: anything but nil is true.
+  bool flag() {
+    ++n_;
+    bool on = cur_ && cur_->restype != RTNIL;
+    if (cur_) cur_ = cur_->rbnext;
+    return on;
+  }
+  // Several entities: a selection set, one entity name or a list of names.
+  bool entities(std::vector<AcDbObjectId>& ids) {
+    ++n_;
+    if (!cur_) return frame::failTooFew(s_.count), false;
+    if (cur_->restype == RTPICKS || cur_->restype == RTENAME) {
+      if (cur_->restype == RTPICKS) {
+        int32_t len = 0;
+        acedSSLength(cur_->resval.rlname, &len);
+        for (int32_t i = 0; i < len; ++i) {
+          ads_name e;
+          AcDbObjectId id;
+          if (acedSSName(cur_->resval.rlname, i, e) == RTNORM && acdbGetObjectId(id, e) == Acad::eOk) ids.push_back(id);
+        }
+      } else {
+        AcDbObjectId id;
+        if (acdbGetObjectId(id, cur_->resval.rlname) != Acad::eOk) return frame::failBadArg(s_.position, n_), false;
+        ids.push_back(id);
+      }
+      cur_ = cur_->rbnext;
+      return true;
+    }
+    if (cur_->restype != RTLB) return frame::failBadArg(s_.position, n_), false;
+    resbuf* p = cur_->rbnext;
+    for (; p && p->restype == RTENAME; p = p->rbnext) {
+      AcDbObjectId id;
+      if (acdbGetObjectId(id, p->resval.rlname) != Acad::eOk) return frame::failBadArg(s_.position, n_), false;
+      ids.push_back(id);
+    }
+    if (!p || p->restype != RTLE) return frame::failBadArg(s_.position, n_), false;
+    cur_ = p->rbnext;
+    return true;
+  }
   int type() const { return cur_ ? cur_->restype : RTNONE; }
   bool end() {
     if (!cur_) return true;

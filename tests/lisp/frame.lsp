@@ -124,7 +124,7 @@ sorttest
 1,1
 
 ; Rows not built are neither functions nor commands.
-(ZEPK-Curve-Length)
+(ZEPK-WmfOut-In)
 703
 ; Unloading takes every function and command away; loading brings them back.
 (arxunload "zepkapi")
