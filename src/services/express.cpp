@@ -330,4 +330,30 @@ double calculate(std::string_view text) {
   return values.empty() ? 0.0 : values.back();
 }
 
+namespace {
+
+std::string multibyte(const CString& text) {
+  const std::u16string& w = text.str();
+  if (w.empty()) return {};
+  int len = WideCharToMultiByte(CP_ACP, 0, w.data(), static_cast<int>(w.size()), nullptr, 0, nullptr, nullptr);
+  std::string bytes(static_cast<size_t>(len > 0 ? len : 0), '\0');
+  if (len > 0)
+    WideCharToMultiByte(CP_ACP, 0, w.data(), static_cast<int>(w.size()), bytes.data(), len, nullptr, nullptr);
+  return bytes;
+}
+
+}  // namespace
+
+std::optional<double> calculateFormula(const CString& text) {
+  CString t = text;
+  t.Trim();
+  const int len = t.GetLength();
+  if (len >= 2 && t[0] == u'(' && t[len - 1] == u')') {
+    CString inner = t.Mid(1, len - 2);
+    if (std::fabs(_wtof(inner) - calculate(multibyte(inner))) < 1e-6) return std::nullopt;
+  }
+  if (t.Find(u'#') >= 0 || t.Find(u'号') >= 0) return std::nullopt;
+  return calculate(multibyte(t));
+}
+
 }  // namespace zepk::services

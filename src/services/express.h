@@ -11,6 +11,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -53,5 +54,11 @@ class CExpress {
 // The plain calculator: blanks and "=" at both ends are ignored; bad text
 // gives a meaningless number or 0.0, never an error.
 double calculate(std::string_view text);
+
+// The calculator on a text that may be a survey label rather than a
+// formula: nothing for a single number in parentheses ("(12)") and for a
+// text holding "#" or "号"; otherwise the calculator's value of the text
+// (trimmed, in the system code page).
+std::optional<double> calculateFormula(const CString& text);
 
 }  // namespace zepk::services
