@@ -148,3 +148,18 @@ TEST(Calculator, FourOperationsAndParentheses) {
   // Bad text gives some number, never a failure or a hang.
   for (const char* bad : {"((", "))1", "*", "1+*2)", "#(#", "abc"}) (void)calculate(bad);
 }
+
+// Survey labels fed to the calculator are recognised and left alone.
+TEST(Calculator, LabelsAreNoFormulas) {
+  using zepk::services::calculateFormula;
+  EXPECT_FALSE(calculateFormula(u"(12)").has_value());
+  EXPECT_FALSE(calculateFormula(u"  (12.5) ").has_value());
+  EXPECT_FALSE(calculateFormula(u"3#").has_value());
+  EXPECT_FALSE(calculateFormula(u"12号").has_value());
+  EXPECT_FALSE(calculateFormula(u"()").has_value());
+  ASSERT_TRUE(calculateFormula(u"(1+2)").has_value());
+  EXPECT_DOUBLE_EQ(*calculateFormula(u"(1+2)"), 3.0);
+  EXPECT_DOUBLE_EQ(*calculateFormula(u"(1+2)*(3+4)"), 21.0);
+  EXPECT_DOUBLE_EQ(*calculateFormula(u" =1+2= "), 3.0);
+  EXPECT_DOUBLE_EQ(*calculateFormula(u""), 0.0);
+}
