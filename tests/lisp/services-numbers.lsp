@@ -137,6 +137,8 @@
   (reverse out))
 (ZEPK-String-Express "1+2*3")
 (lines "result.txt")
+; In the system code page, each line ended by a line feed alone.
+(vl-file-size "result.txt")
 (ZEPK-String-Express "(1+2)*(3-5)")
 (lines "result.txt")
 (rtos (ZEPK-String-Express "sin[30]") 2 6)
@@ -148,6 +150,8 @@
 (rtos (ZEPK-String-Express "1/3*3") 2 8)
 (ZEPK-String-Express "a*b+c" '("a" "b" "c") '(2 3.5 1))
 (ZEPK-String-Express "a*b" "a" "b" '(2.0 4.0))
+; Parameters are put in before the constants, so a name holding "E" is safe.
+(ZEPK-String-Express "E1*2+E" '("E1") '(3))
 (ZEPK-String-Express "x+y" '("x" "y") '(1.5 2.5 3.5))
 (ZEPK-String-Express "x+y" '("x" "y") "1")
 (ZEPK-String-Express "x+y" 5)
