@@ -1,6 +1,7 @@
 // Text operations of the string family.
 #include "services/strings.h"
 
+#include <algorithm>
 #include <string>
 
 #include "host/wincompat.h"
@@ -8,6 +9,63 @@
 namespace zepk::services {
 
 namespace {
+
+// What a conversion reads after its '*' ints.
+enum class ArgKind { None, Int, LongLong, Double, Pointer };
+
+// One conversion run through Format with zeros for everything it reads.
+template <typename T>
+CString formatOne(const CString& spec, int stars, T zero) {
+  CString out;
+  if (stars == 0) out.Format(spec, zero);
+  else if (stars == 1) out.Format(spec, 0, zero);
+  else out.Format(spec, 0, 0, zero);
+  return out;
+}
+
+// Reads one conversion from text at i (the '%'), in the order and with the
+// letters the formatter knows; gives its end, how many '*' it holds and
+// what its value is.
+int scanConversion(const CString& text, int i, int* stars, ArgKind* kind) {
+  const int n = text.GetLength();
+  auto at = [&](int k) { return k < n ? text[k] : WCHAR(0); };
+  *stars = 0;
+  *kind = ArgKind::None;
+  ++i;
+  while (at(i) == u'-' || at(i) == u'+' || at(i) == u' ' || at(i) == u'#' || at(i) == u'0') ++i;
+  if (at(i) == u'*') ++i, ++*stars;
+  while (at(i) >= u'0' && at(i) <= u'9') ++i;
+  if (at(i) == u'.') {
+    ++i;
+    if (at(i) == u'*') ++i, ++*stars;
+    while (at(i) >= u'0' && at(i) <= u'9') ++i;
+  }
+  bool wide64 = false;
+  switch (at(i)) {
+    case u'h': ++i; if (at(i) == u'h') ++i; break;
+    case u'l': ++i; if (at(i) == u'l') ++i, wide64 = true; break;
+    case u'w': case u'L': ++i; break;
+    case u'z': case u'j': case u't': ++i, wide64 = true; break;
+    case u'I':
+      ++i;
+      if (at(i) == u'6' && at(i + 1) == u'4') i += 2, wide64 = true;
+      else if (at(i) == u'3' && at(i + 1) == u'2') i += 2;
+      else wide64 = true;
+      break;
+    default: break;
+  }
+  if (i >= n) return n;  // ends inside the conversion: printed as written
+  switch (text[i]) {
+    case u'd': case u'i': case u'u': case u'o': case u'x': case u'X':
+      *kind = wide64 ? ArgKind::LongLong : ArgKind::Int;
+      break;
+    case u'c': case u'C': *kind = ArgKind::Int; break;
+    case u'e': case u'E': case u'f': case u'g': case u'G': *kind = ArgKind::Double; break;
+    case u's': case u'S': case u'p': case u'n': *kind = ArgKind::Pointer; break;
+    default: break;  // "%%" and unknown letters read no value
+  }
+  return i + 1;
+}
 
 // Finds the earliest separator in what remains; ties go to the earlier one
 // in the list. Its position and length, or -1.
@@ -41,6 +99,32 @@ std::vector<CString> splitWith(const CString& text, const std::vector<CString>& 
 }
 
 }  // namespace
+
+CString formatWithoutArguments(const CString& text) {
+  CString out;
+  const int n = text.GetLength();
+  for (int i = 0; i < n;) {
+    int pct = text.Find(u'%', i);
+    if (pct < 0) {
+      out += text.Mid(i);
+      break;
+    }
+    out += text.Mid(i, pct - i);
+    int stars = 0;
+    ArgKind kind = ArgKind::None;
+    int end = scanConversion(text, pct, &stars, &kind);
+    CString spec = text.Mid(pct, end - pct);
+    switch (kind) {
+      case ArgKind::Int: out += formatOne(spec, stars, 0); break;
+      case ArgKind::LongLong: out += formatOne(spec, stars, 0LL); break;
+      case ArgKind::Double: out += formatOne(spec, stars, 0.0); break;
+      case ArgKind::Pointer: out += formatOne(spec, stars, static_cast<const void*>(nullptr)); break;
+      case ArgKind::None: out += formatOne(spec, stars, 0); break;  // the zero is not read
+    }
+    i = end;
+  }
+  return out;
+}
 
 std::vector<CString> splitText(const CString& text, const CString& separator, bool keepEmpty) {
   return splitWith(text, {separator}, keepEmpty);
@@ -131,6 +215,30 @@ bool isValidPath(const CString& path) {
   CString p = path;
   if (p.GetLength() > 1 && p[1] == u':') p.Delete(0, 2);
   return isValidFileName(p);
+}
+
+void sortNumbersUp(resbuf* chain) {
+  auto isNumber = [](const resbuf* rb) { return rb->restype == RTSHORT || rb->restype == RTREAL; };
+  auto value = [](const resbuf* rb) { return rb->restype == RTSHORT ? double(rb->resval.rint) : rb->resval.rreal; };
+  auto store = [](resbuf* rb, short type, double v) {
+    rb->restype = type;
+    if (type == RTSHORT) rb->resval.rint = static_cast<short>(v);
+    else rb->resval.rreal = v;
+  };
+  for (resbuf* a = chain; a; a = a->rbnext) {
+    if (a->restype == RTPOINT || a->restype == RT3DPOINT) {
+      std::sort(a->resval.rpoint, a->resval.rpoint + (a->restype == RTPOINT ? 2 : 3));
+      continue;
+    }
+    if (!isNumber(a)) continue;
+    for (resbuf* b = a->rbnext; b; b = b->rbnext) {
+      if (!isNumber(b) || !(value(a) > value(b))) continue;
+      const short ta = a->restype, tb = b->restype;
+      const double va = value(a), vb = value(b);
+      store(a, tb, vb);
+      store(b, ta, va);
+    }
+  }
 }
 
 }  // namespace zepk::services

@@ -7,9 +7,17 @@
 #include <string_view>
 #include <vector>
 
+#include "host/ads.h"
 #include "host/cstring.h"
 
 namespace zepk::services {
+
+// The text as the string class's Format makes it when the text itself is
+// the format and no arguments follow: "%%" becomes "%", and every other
+// conversion is expanded as if each argument it reads were zero (a number
+// 0, a null string, which prints "(null)"). A "%" that starts no complete
+// conversion stays as written.
+CString formatWithoutArguments(const CString& text);
 
 // Cut at each separator, from the front. Empty pieces are kept only when
 // asked; the piece after the last separator is kept when it is not empty
@@ -49,5 +57,13 @@ CString fileNameExt(const CString& path);
 bool isValidFileName(const CString& name);
 // The same after a drive ("X:") at the front is taken off.
 bool isValidPath(const CString& path);
+
+// Sorts the numbers of an argument chain in place by exchange: each RTSHORT
+// or RTREAL node is compared with every later one of those types and the
+// two swap value and type when the earlier is greater (a value that lands
+// in a short node is cut to an integer). Other nodes stay where they are,
+// except that the coordinates of a point node (how a list of two or three
+// numbers travels) are put in ascending order among themselves.
+void sortNumbersUp(resbuf* chain);
 
 }  // namespace zepk::services

@@ -79,3 +79,43 @@ TEST(Strings, FileNamePartsAndChecks) {
   EXPECT_FALSE(isValidPath(u"c:\\dir:x"));
   EXPECT_FALSE(isValidPath(u"c:/dir"));
 }
+
+TEST(Strings, FormatStepOfStringArguments) {
+  EXPECT_EQ(formatWithoutArguments(u"50%%").str(), u"50%");
+  EXPECT_EQ(formatWithoutArguments(u"中文 %% a%%%%b").str(), u"中文 % a%%b");
+  // Conversions read zeros: numbers print 0, strings "(null)".
+  EXPECT_EQ(formatWithoutArguments(u"[%d|%5.2f|%s|%x|%I64d|%*d|%.*s]").str(), u"[0| 0.00|(null)|0|0|0|]");
+  // Unknown letters and a "%" at the end stay as written.
+  EXPECT_EQ(formatWithoutArguments(u"%q %y 5%").str(), u"%q %y 5%");
+  EXPECT_EQ(formatWithoutArguments(u"").str(), u"");
+}
+
+TEST(Strings, SortNumbersUpMovesOnlyNumbers) {
+  resbuf* chain = acutBuildList(RTSHORT, 3, RTSTR, u"x", RTREAL, 1.5, RTLB, RTSHORT, 2, RTLE, RTREAL, -1.0, 0);
+  sortNumbersUp(chain);
+  resbuf* rb = chain;
+  EXPECT_EQ(rb->restype, RTREAL);
+  EXPECT_EQ(rb->resval.rreal, -1.0);
+  rb = rb->rbnext;
+  EXPECT_EQ(rb->restype, RTSTR);
+  rb = rb->rbnext;
+  EXPECT_EQ(rb->restype, RTREAL);
+  EXPECT_EQ(rb->resval.rreal, 1.5);
+  rb = rb->rbnext;
+  EXPECT_EQ(rb->restype, RTLB);
+  rb = rb->rbnext;
+  EXPECT_EQ(rb->restype, RTSHORT);
+  EXPECT_EQ(rb->resval.rint, 2);
+  rb = rb->rbnext->rbnext;
+  EXPECT_EQ(rb->restype, RTSHORT);
+  EXPECT_EQ(rb->resval.rint, 3);
+  acutRelRb(chain);
+
+  // A list of three numbers travels as one point: its coordinates sort.
+  ads_point p = {3, 1, 2};
+  chain = acutBuildList(RT3DPOINT, p, 0);
+  sortNumbersUp(chain);
+  EXPECT_EQ(chain->resval.rpoint[0], 1.0);
+  EXPECT_EQ(chain->resval.rpoint[2], 3.0);
+  acutRelRb(chain);
+}
