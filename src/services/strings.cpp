@@ -1,7 +1,6 @@
 // Text operations of the string family.
 #include "services/strings.h"
 
-#include <algorithm>
 #include <string>
 
 #include "host/wincompat.h"
@@ -218,6 +217,24 @@ bool isValidPath(const CString& path) {
 }
 
 void sortNumbersUp(resbuf* chain) {
+  // A point node becomes the list it was typed as, in place: the node turns
+  // into the list's start and its coordinates follow as reals.
+  for (resbuf* a = chain; a; a = a->rbnext) {
+    if (a->restype != RTPOINT && a->restype != RT3DPOINT) continue;
+    const int n = a->restype == RTPOINT ? 2 : 3;
+    resbuf* tail = acutNewRb(RTLE);
+    for (int i = n - 1; i >= 0; --i) {
+      resbuf* c = acutNewRb(RTREAL);
+      c->resval.rreal = a->resval.rpoint[i];
+      c->rbnext = tail;
+      tail = c;
+    }
+    resbuf* last = tail;
+    while (last->rbnext) last = last->rbnext;
+    last->rbnext = a->rbnext;
+    a->restype = RTLB;
+    a->rbnext = tail;
+  }
   auto isNumber = [](const resbuf* rb) { return rb->restype == RTSHORT || rb->restype == RTREAL; };
   auto value = [](const resbuf* rb) { return rb->restype == RTSHORT ? double(rb->resval.rint) : rb->resval.rreal; };
   auto store = [](resbuf* rb, short type, double v) {
@@ -226,10 +243,6 @@ void sortNumbersUp(resbuf* chain) {
     else rb->resval.rreal = v;
   };
   for (resbuf* a = chain; a; a = a->rbnext) {
-    if (a->restype == RTPOINT || a->restype == RT3DPOINT) {
-      std::sort(a->resval.rpoint, a->resval.rpoint + (a->restype == RTPOINT ? 2 : 3));
-      continue;
-    }
     if (!isNumber(a)) continue;
     for (resbuf* b = a->rbnext; b; b = b->rbnext) {
       if (!isNumber(b) || !(value(a) > value(b))) continue;

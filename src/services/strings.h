@@ -61,9 +61,11 @@ bool isValidPath(const CString& path);
 // Sorts the numbers of an argument chain in place by exchange: each RTSHORT
 // or RTREAL node is compared with every later one of those types and the
 // two swap value and type when the earlier is greater (a value that lands
-// in a short node is cut to an integer). Other nodes stay where they are,
-// except that the coordinates of a point node (how a list of two or three
-// numbers travels) are put in ascending order among themselves.
+// in a short node is cut to an integer). Other nodes stay where they are.
+// A point node (how a list of two or three numbers travels) is first turned
+// back into that list, in place: list marks around reals, which then sort
+// with the rest. The nodes added for that are new (acutNewRb) and the
+// caller's to release.
 void sortNumbersUp(resbuf* chain);
 
 }  // namespace zepk::services

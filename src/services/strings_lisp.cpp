@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "frame/lisp_bridge.h"
@@ -122,8 +123,23 @@ int lispListSortUp() {
     acedRetVoid();
     return RTERROR;
   }
+  // The chain is the host's: after the result is set, the nodes that the
+  // sort put in for point arguments go, and the host's nodes are linked as
+  // they came.
+  std::vector<resbuf*> hosts;
+  for (resbuf* p = args; p; p = p->rbnext) hosts.push_back(p);
   sortNumbersUp(args);
   acedRetList(args);
+  std::unordered_set<resbuf*> kept(hosts.begin(), hosts.end());
+  for (resbuf* p = args; p;) {
+    resbuf* next = p->rbnext;
+    if (!kept.count(p)) {
+      p->rbnext = nullptr;
+      acutRelRb(p);
+    }
+    p = next;
+  }
+  for (size_t i = 0; i < hosts.size(); ++i) hosts[i]->rbnext = i + 1 < hosts.size() ? hosts[i + 1] : nullptr;
   return RSRSLT;
 }
 

@@ -48,7 +48,7 @@
 (ZEPK-String-Replace "abc" "b" "c" "d")
 (ZEPK-String-Reverse "abc中文")
 (ZEPK-String-Reverse "")
-(ZEPK-String-Reverse 'a)
+(ZEPK-String-Reverse 1)
 (ZEPK-String-Remove "a-b_c-d" "-_")
 (ZEPK-String-Remove "中、文、字" "、")
 (ZEPK-String-Remove "abc")
@@ -69,7 +69,7 @@
 (ZEPK-String-Search)
 (ZEPK-String-Search "b")
 (ZEPK-String-Search 1 "abc")
-(ZEPK-String-Search "b" 'abc)
+(ZEPK-String-Search "b" 12)
 (ZEPK-String-Search "b" "abc" 1.0)
 (ZEPK-String-Search "b" "abc" 40000)
 (ZEPK-String-Search "b" "abc" 0 1)
@@ -121,7 +121,7 @@
 (ZEPK-String-Length "a" "b")
 (ZEPK-String-SplitSingles "a中b")
 (ZEPK-String-SplitSingles "")
-(ZEPK-String-SplitSingles 'a)
+(ZEPK-String-SplitSingles 1.0)
 (ZEPK-String-SplitSingles "a" "b")
 ;
 ; Runs of single-byte and of double-byte text; a second argument is not
@@ -162,8 +162,8 @@
 (ZEPK-Path-IsValid)
 ;
 ; The module's folder ends in a separator and holds the program.
-(setq p (ZEPK-API-Path))
-(wcmatch p "*/")
+(wcmatch (ZEPK-API-Path) "/*/")
+(= (findfile (strcat (ZEPK-API-Path) "zepk")) (strcat (ZEPK-API-Path) "zepk"))
 (ZEPK-API-Path 1)
 ;
 ; Sorting the numbers of the arguments; other values stay in place.
@@ -171,6 +171,7 @@
 (ZEPK-List-SortUp '(3 1.5 "a"))
 (ZEPK-List-SortUp '(5 4 3 2 1))
 (ZEPK-List-SortUp '(3 1 2))
+(ZEPK-List-SortUp 5 '(3 1))
 (ZEPK-List-SortUp 2 2.0 1)
 (ZEPK-List-SortUp "b" "a")
 (ZEPK-List-SortUp)

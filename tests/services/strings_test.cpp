@@ -111,11 +111,19 @@ TEST(Strings, SortNumbersUpMovesOnlyNumbers) {
   EXPECT_EQ(rb->resval.rint, 3);
   acutRelRb(chain);
 
-  // A list of three numbers travels as one point: its coordinates sort.
+  // A list of three numbers travels as one point: it becomes the list
+  // again, its numbers sorted with the others.
   ads_point p = {3, 1, 2};
-  chain = acutBuildList(RT3DPOINT, p, 0);
+  chain = acutBuildList(RTSHORT, 2, RT3DPOINT, p, 0);
   sortNumbersUp(chain);
-  EXPECT_EQ(chain->resval.rpoint[0], 1.0);
-  EXPECT_EQ(chain->resval.rpoint[2], 3.0);
+  std::vector<short> types;
+  std::vector<double> values;
+  for (rb = chain; rb; rb = rb->rbnext) {
+    types.push_back(rb->restype);
+    if (rb->restype == RTREAL) values.push_back(rb->resval.rreal);
+    if (rb->restype == RTSHORT) values.push_back(rb->resval.rint);
+  }
+  EXPECT_EQ(types, (std::vector<short>{RTREAL, RTLB, RTSHORT, RTREAL, RTREAL, RTLE}));
+  EXPECT_EQ(values, (std::vector<double>{1, 2, 2, 3}));
   acutRelRb(chain);
 }
