@@ -650,4 +650,24 @@ int lispPointsTransFormBy() {
   return retPoints(pts);
 }
 
+namespace {
+
+// (e): grip or stretch points of an entity.
+int entityPoints(bool stretch) {
+  Args a(kPlain);
+  AcDbObjectId id;
+  if (!a.objectId(id) || !a.end()) return RTERROR;
+  AcDbObjectPointer<AcDbEntity> e(id, AcDb::kForRead);
+  if (e.openStatus() != Acad::eOk) return frame::failBadArg(MsgStyle::Plain, 1);
+  std::vector<AcGePoint3d> pts;
+  Acad::ErrorStatus es = stretch ? e->getStretchPoints(pts) : e->getGripPoints(pts);
+  if (es != Acad::eOk || pts.empty()) return retNil();
+  return retPoints(pts);
+}
+
+}  // namespace
+
+int lispCurveGetGripPoints() { return entityPoints(false); }
+int lispCurveGetStretchPoints() { return entityPoints(true); }
+
 }  // namespace zepk::geometry

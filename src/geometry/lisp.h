@@ -100,5 +100,7 @@ int lispCurveCentroid();
 int lispPolyAddVertex();
 int lispPolyOrderByIndex();
 int lispPointsTransFormBy();
+int lispCurveGetGripPoints();
+int lispCurveGetStretchPoints();
 
 }  // namespace zepk::geometry

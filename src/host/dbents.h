@@ -168,6 +168,16 @@ class AcDbEntity : public AcDbObject {
   // eNotApplicable for an entity that is already simple.
   virtual Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const;
 
+  // The points a user drags to edit the entity (grips) and those a stretch
+  // moves. The host's kinds: a line's ends and middle, an arc's ends,
+  // middle and centre, a circle's or ellipse's centre and quadrants, the
+  // vertices of polylines, a spline's fit points (else its control points),
+  // the insertion points of points, texts and block references. Stretch
+  // points are the same except a line's and an arc's ends only and a
+  // circle's centre. eNotApplicable (and no points) for other kinds.
+  virtual Acad::ErrorStatus getGripPoints(std::vector<AcGePoint3d>& gripPoints) const;
+  virtual Acad::ErrorStatus getStretchPoints(std::vector<AcGePoint3d>& stretchPoints) const;
+
   // An entity on a locked layer refuses to be opened for write.
   Acad::ErrorStatus checkWriteOpen() const override;
   Acad::ErrorStatus subClose() override;

@@ -95,3 +95,11 @@
 (entget ar)
 (cdr (assoc 0 (entget (entlast))))
 (ZEPK-Points-TransFormBy '((1 0 0) (0 1 0)) (ZEPK-Mat-Translation '(10 20 30)))
+; Grips and stretch points.
+(ZEPK-Curve-GetGripPoints ln)
+(ZEPK-Curve-GetStretchPoints ln)
+(ZEPK-Curve-GetGripPoints ci)
+(ZEPK-Curve-GetStretchPoints ci)
+(ZEPK-Curve-GetGripPoints pl)
+(ZEPK-Curve-GetGripPoints (car rg))
+(ZEPK-Curve-GetGripPoints)
