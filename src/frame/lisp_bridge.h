@@ -134,7 +134,7 @@ class ArgReader {
   ArgReader(MsgStyle style, resbuf* args) : style_(style), cur_(args) {}
 
   bool atEnd() const { return cur_ == nullptr; }
-  int type() const { return cur_ ? cur_->restype : RTNONE; }
+  int type() const { return cur_ ? static_cast<int>(cur_->restype) : static_cast<int>(RTNONE); }
   resbuf** cursor() { return &cur_; }
   MsgStyle style() const { return style_; }
 

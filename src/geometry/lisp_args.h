@@ -96,7 +96,7 @@ class Args {
     cur_ = p->rbnext;
     return true;
   }
-  int type() const { return cur_ ? cur_->restype : RTNONE; }
+  int type() const { return cur_ ? static_cast<int>(cur_->restype) : static_cast<int>(RTNONE); }
   bool end() {
     if (!cur_) return true;
     frame::failTooMany(s_.count);
