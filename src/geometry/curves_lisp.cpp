@@ -113,6 +113,22 @@ int okPoint(Acad::ErrorStatus es, const AcGePoint3d& p) { return es == Acad::eOk
 int okReal(Acad::ErrorStatus es, const double& v) { return es == Acad::eOk ? retReal(v) : retNil(); }
 int okVec(Acad::ErrorStatus es, const AcGeVector3d& v) { return es == Acad::eOk ? retVec(v) : retNil(); }
 
+// A list of points at the cursor (its RTLB): the points, and the cursor
+// past the list's end; false for a member that is no point or a list that
+// does not end.
+bool readPointList(resbuf*& cur, std::vector<AcGePoint3d>& out) {
+  resbuf* p = cur->rbnext;
+  for (; p && p->restype != RTLE; p = p->rbnext) {
+    resbuf* one = p;
+    AcGePoint3d q;
+    if (RbGetPoint3d(&one, q) != RTNORM) return false;
+    out.push_back(q);
+  }
+  if (!p) return false;
+  cur = p->rbnext;
+  return true;
+}
+
 double curveLength(const AcDbCurve& c, bool* ok) {
   double end = 0, len = 0;
   *ok = c.getEndParam(end) == Acad::eOk && c.getDistAtParam(end, len) == Acad::eOk;
@@ -317,17 +333,10 @@ int lispClockWiseP() {
     return retBool(isClockwise(plain(sampleCurve(c, tol > 0 ? tol : 0.1, true))));
   }
   if (cur->restype == RTLB) {
-    std::vector<Point> ring;
-    resbuf* p = cur->rbnext;
-    for (; p && p->restype != RTLE; p = p->rbnext) {
-      resbuf* one = p;
-      AcGePoint3d q;
-      if (RbGetPoint3d(&one, q) != RTNORM) return frame::failBadArg(MsgStyle::Plain);
-      ring.push_back(plain(q));
-    }
-    if (!p) return frame::failBadArg(MsgStyle::Plain);
-    if (p->rbnext) return frame::failTooMany(MsgStyle::Plain);
-    return retBool(isClockwise(ring));
+    std::vector<AcGePoint3d> ring;
+    if (!readPointList(cur, ring)) return frame::failBadArg(MsgStyle::Plain);
+    if (cur) return frame::failTooMany(MsgStyle::Plain);
+    return retBool(isClockwise(plain(ring)));
   }
   Args a(kPlain);
   AcGePoint3d q[3];
@@ -343,17 +352,10 @@ int lispGetArea() {
   resbuf* cur = acedGetArgs();
   if (!cur) return frame::failTooFew(MsgStyle::LineEnd);
   if (cur->restype == RTLB) {
-    std::vector<Point> ring;
-    resbuf* p = cur->rbnext;
-    for (; p && p->restype != RTLE; p = p->rbnext) {
-      resbuf* one = p;
-      AcGePoint3d q;
-      if (RbGetPoint3d(&one, q) != RTNORM) return frame::failBadArg(MsgStyle::LineEnd);
-      ring.push_back(plain(q));
-    }
-    if (!p) return frame::failBadArg(MsgStyle::LineEnd);
-    if (p->rbnext) return frame::failTooMany(MsgStyle::LineEnd);
-    return retReal(signedArea(ring));
+    std::vector<AcGePoint3d> ring;
+    if (!readPointList(cur, ring)) return frame::failBadArg(MsgStyle::LineEnd);
+    if (cur) return frame::failTooMany(MsgStyle::LineEnd);
+    return retReal(signedArea(plain(ring)));
   }
   AcDbObjectId id;
   if (RbGetObjectId(&cur, id) != RTNORM) return frame::failBadArg(MsgStyle::LineEnd);
@@ -628,15 +630,7 @@ int lispPointsTransFormBy() {
   if (!cur) return frame::failTooFew(MsgStyle::Plain);
   std::vector<AcGePoint3d> pts;
   if (cur->restype == RTLB) {
-    resbuf* p = cur->rbnext;
-    for (; p && p->restype != RTLE; p = p->rbnext) {
-      resbuf* one = p;
-      AcGePoint3d q;
-      if (RbGetPoint3d(&one, q) != RTNORM) return frame::failBadArg(MsgStyle::Plain, 1);
-      pts.push_back(q);
-    }
-    if (!p) return frame::failBadArg(MsgStyle::Plain, 1);
-    cur = p->rbnext;
+    if (!readPointList(cur, pts)) return frame::failBadArg(MsgStyle::Plain, 1);
   } else {
     AcGePoint3d q;
     if (RbGetPoint3d(&cur, q) != RTNORM) return frame::failBadArg(MsgStyle::Plain, 1);

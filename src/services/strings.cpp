@@ -14,11 +14,11 @@ enum class ArgKind { None, Int, LongLong, Double, Pointer };
 
 // One conversion run through Format with zeros for everything it reads.
 template <typename T>
-CString formatOne(const CString& spec, int stars, T zero) {
+CString formatOne(const CString& conversion, int stars, T zero) {
   CString out;
-  if (stars == 0) out.Format(spec, zero);
-  else if (stars == 1) out.Format(spec, 0, zero);
-  else out.Format(spec, 0, 0, zero);
+  if (stars == 0) out.Format(conversion, zero);
+  else if (stars == 1) out.Format(conversion, 0, zero);
+  else out.Format(conversion, 0, 0, zero);
   return out;
 }
 
@@ -112,13 +112,13 @@ CString formatWithoutArguments(const CString& text) {
     int stars = 0;
     ArgKind kind = ArgKind::None;
     int end = scanConversion(text, pct, &stars, &kind);
-    CString spec = text.Mid(pct, end - pct);
+    CString conversion = text.Mid(pct, end - pct);
     switch (kind) {
-      case ArgKind::Int: out += formatOne(spec, stars, 0); break;
-      case ArgKind::LongLong: out += formatOne(spec, stars, 0LL); break;
-      case ArgKind::Double: out += formatOne(spec, stars, 0.0); break;
-      case ArgKind::Pointer: out += formatOne(spec, stars, static_cast<const void*>(nullptr)); break;
-      case ArgKind::None: out += formatOne(spec, stars, 0); break;  // the zero is not read
+      case ArgKind::Int: out += formatOne(conversion, stars, 0); break;
+      case ArgKind::LongLong: out += formatOne(conversion, stars, 0LL); break;
+      case ArgKind::Double: out += formatOne(conversion, stars, 0.0); break;
+      case ArgKind::Pointer: out += formatOne(conversion, stars, static_cast<const void*>(nullptr)); break;
+      case ArgKind::None: out += formatOne(conversion, stars, 0); break;  // the zero is not read
     }
     i = end;
   }
