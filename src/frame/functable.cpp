@@ -256,7 +256,7 @@ constexpr FunctionRow kRows[kFunctionCount] = {
     {u"ZEPK-Curve->Lwpolyline", geometry::lispCurveToLwpolyline, F8, "curves -> T; each becomes a lightweight polyline in its place"},
     {u"ZEPK-Curve-getUniformPoints", geometry::lispCurveGetUniformPoints, F8, "curve count -> points at equal distances"},
     {u"ZEPK-Poly-DumpPoint", nullptr, F8, ""},
-    {u"ZEPK-Poly-RemovePoint", nullptr, F8, ""},
+    {u"ZEPK-Poly-RemovePoint", geometry::lispPolyRemovePoint, F8, "polyline index -> T; the vertex removed"},
     {u"ZEPK-Poly-AddVertex", geometry::lispPolyAddVertex, F8, "polyline index point [bulge] -> T"},
     {u"ZEPK-Poly-GetData", geometry::lispPolyGetData, F8, "curve [segments-per-arc] -> ((points) (bulges))"},
     {u"ZEPK-Poly-OrderByIndex", geometry::lispPolyOrderByIndex, F8, "closed polyline index -> T; it starts at that vertex"},

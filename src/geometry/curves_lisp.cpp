@@ -609,6 +609,20 @@ int lispPolyAddVertex() {
   return RSRSLT;
 }
 
+// (pl index): the vertex at the index removed.
+int lispPolyRemovePoint() {
+  Args a(kBang);
+  AcDbObjectId id;
+  int32_t index = 0;
+  if (!a.objectId(id) || !a.integer(index) || !a.end()) return RTERROR;
+  AcDbObjectPointer<AcDbPolyline> pl(id, AcDb::kForWrite);
+  if (pl.openStatus() != Acad::eOk) return frame::failBadArg(MsgStyle::Bang, 1);
+  if (index < 0 || static_cast<unsigned>(index) >= pl->numVerts()) return frame::failBadArg(MsgStyle::Bang, 2);
+  if (pl->removeVertexAt(static_cast<unsigned>(index)) != Acad::eOk) return retNil();
+  acedRetT();
+  return RSRSLT;
+}
+
 // (pl index): a closed polyline restarted at the vertex, shape unchanged.
 int lispPolyOrderByIndex() {
   Args a(kColon);

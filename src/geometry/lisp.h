@@ -98,6 +98,7 @@ int lispCurveToRegion();
 int lispRegionToPoly();
 int lispCurveCentroid();
 int lispPolyAddVertex();
+int lispPolyRemovePoint();
 int lispPolyOrderByIndex();
 int lispPointsTransFormBy();
 int lispCurveGetGripPoints();
