@@ -220,6 +220,17 @@ int lispRemoveHook() {
   return RTNORM;
 }
 
+namespace {
+
+// The meter's functions fail with a void result set.
+int failVoid(const std::u16string& text) {
+  acdbFail(text.c_str());
+  acedRetVoid();
+  return RTERROR;
+}
+
+}  // namespace
+
 int lispProgressInit() {
   resbuf* cur = acedGetArgs();
   ProgressMeter& pm = currentDocData().progress;
@@ -227,16 +238,8 @@ int lispProgressInit() {
   int32_t limit = 100;
   if (cur && cur->restype == RTSTR) RbGetStrPtr(&cur, title);
   if (cur) {
-    if (RbGetLong(&cur, limit) != RTNORM) {
-      acdbFail(u"第2个参数应为整数");
-      acedRetVoid();
-      return RTERROR;
-    }
-    if (cur) {
-      acdbFail(u"参数太多");
-      acedRetVoid();
-      return RTERROR;
-    }
+    if (RbGetLong(&cur, limit) != RTNORM) return failVoid(u"第2个参数应为整数");
+    if (cur) return failVoid(tooManyText(MsgStyle::Plain));
   }
   // The title points into the call's arguments, as the status bar takes it.
   pm.title = title;
@@ -254,16 +257,8 @@ int lispProgress() {
   ProgressMeter& pm = currentDocData().progress;
   if (cur) {
     int32_t v = 0;
-    if (RbGetLong(&cur, v) != RTNORM) {
-      acdbFail(u"参数应为整数");
-      acedRetVoid();
-      return RTERROR;
-    }
-    if (cur) {
-      acdbFail(u"参数太多");
-      acedRetVoid();
-      return RTERROR;
-    }
+    if (RbGetLong(&cur, v) != RTNORM) return failVoid(u"参数应为整数");
+    if (cur) return failVoid(tooManyText(MsgStyle::Plain));
     pm.current = v;
   } else {
     ++pm.current;
@@ -281,10 +276,7 @@ int lispProgress() {
 }
 
 int lispProgressDone() {
-  if (acedGetArgs()) {
-    acdbFail(u"参数太多");
-    return RTERROR;
-  }
+  if (acedGetArgs()) return failTooMany(MsgStyle::Plain);
   acedRestoreStatusBar();
   acedRetVoid();
   return RSRSLT;
