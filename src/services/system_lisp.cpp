@@ -273,9 +273,13 @@ int withOnePath(F op) {
   return retBool(op(path));
 }
 
+// A URL ("scheme://...") is a link's target as it stands; a path is mapped.
 bool writeLink(const std::u16string& linkPath, const std::u16string& target, const sys::Shortcut& more) {
   sys::Shortcut s = more;
-  s.target = native(target);
+  size_t scheme = target.find(u"://");
+  const bool url = scheme != std::u16string::npos && scheme > 1 &&
+                   target.find_first_of(u"\\/") > scheme;
+  s.target = url ? sys::toUtf8(target) : native(target);
   return !sys::writeShortcut(native(linkPath), s).empty();
 }
 
