@@ -11,6 +11,7 @@
 // nothing and give no result.
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
