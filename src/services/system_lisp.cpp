@@ -30,6 +30,7 @@
 #include "services/lisp.h"
 #include "services/strings.h"
 #include "services/system_lisp.h"
+#include "services/textfiles.h"
 
 namespace zepk::services {
 
@@ -206,49 +207,12 @@ bool deleteTree(const std::u16string& folder) {
   return RemoveDirectoryW(folder.c_str()) && ok;
 }
 
-// A text file's bytes as wide text: UTF-8 or UTF-16 after their marks,
-// else the system code page.
-std::u16string decodeText(const std::string& b) {
-  auto convert = [](std::string_view s, UINT cp) {
-    std::u16string out;
-    if (s.empty()) return out;
-    int n = MultiByteToWideChar(cp, 0, s.data(), static_cast<int>(s.size()), nullptr, 0);
-    out.resize(std::max(n, 0));
-    if (n > 0) MultiByteToWideChar(cp, 0, s.data(), static_cast<int>(s.size()), out.data(), n);
-    return out;
-  };
-  if (b.size() >= 3 && b.compare(0, 3, "\xEF\xBB\xBF") == 0) return convert(std::string_view(b).substr(3), CP_UTF8);
-  if (b.size() >= 2 && b[0] == '\xFF' && b[1] == '\xFE') {
-    std::u16string out;
-    for (size_t i = 2; i + 1 < b.size(); i += 2)
-      out += static_cast<char16_t>(static_cast<uint8_t>(b[i]) | static_cast<uint8_t>(b[i + 1]) << 8);
-    return out;
-  }
-  return convert(b, CP_ACP);
-}
-
 std::string encodeText(const std::u16string& s, UINT cp) {
   if (s.empty()) return {};
   int n = WideCharToMultiByte(cp, 0, s.data(), static_cast<int>(s.size()), nullptr, 0, nullptr, nullptr);
   std::string out(std::max(n, 0), '\0');
   if (n > 0) WideCharToMultiByte(cp, 0, s.data(), static_cast<int>(s.size()), out.data(), n, nullptr, nullptr);
   return out;
-}
-
-// The lines of a text, as a line-by-line reader gives them: "\n" ends a
-// line, a "\r" before it goes, and a last line end makes no empty line.
-std::vector<std::u16string> splitLines(const std::u16string& s) {
-  std::vector<std::u16string> lines;
-  size_t start = 0;
-  while (start < s.size()) {
-    size_t end = s.find(u'\n', start);
-    if (end == std::u16string::npos) end = s.size();
-    std::u16string line = s.substr(start, end - start);
-    if (!line.empty() && line.back() == u'\r') line.pop_back();
-    lines.push_back(std::move(line));
-    start = end + 1;
-  }
-  return lines;
 }
 
 std::u16string specialFolder(int csidl) {
@@ -590,11 +554,9 @@ int lispFileSaveTextStr() {
   if (cur && (!text(&cur, mode) || (upper(mode) != u"W" && upper(mode) != u"A"))) return failBadArg(style, 3);
   if (cur && (RbGetShort(&cur, encoding) != RTNORM || encoding < 0 || encoding > 1)) return failBadArg(style, 4);
   if (cur) return failTooMany(style);
-  std::u16string joined;
-  for (size_t i = 0; i < lines.size(); ++i) joined += (i ? u"\r\n" : u"") + lines[i];
   std::string bytes;
   if (upper(mode) == u"A") acutReadWholeFile(path, &bytes);
-  bytes += encodeText(joined, encoding == 1 ? CP_UTF8 : CP_ACP);
+  bytes += encodeText(joinLines(lines), encoding == 1 ? CP_UTF8 : CP_ACP);
   return retBool(acutWriteWholeFile(path, bytes));
 }
 
@@ -611,12 +573,9 @@ int lispFileReadText() {
   if (cur && nextArgument(cur)) return failTooMany(style);
   std::string bytes;
   if (!acutReadWholeFile(path, &bytes)) return RSRSLT;
-  std::vector<std::u16string> lines = splitLines(decodeText(bytes));
+  std::vector<std::u16string> lines = splitTextLines(decodeTextFile(bytes));
   if (lines.empty()) return retNil();
-  if (asList) return frame::retList(RbFromStrings(lines));
-  std::u16string joined;
-  for (size_t i = 0; i < lines.size(); ++i) joined += (i ? u"\r\n" : u"") + lines[i];
-  return retWide(joined);
+  return asList ? frame::retList(RbFromStrings(lines)) : retWide(joinLines(lines));
 }
 
 // The folder is added to the host's support path (the setting ACAD,
