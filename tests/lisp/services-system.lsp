@@ -175,4 +175,21 @@ nowhere
 (ZEPK-File-ReadText "fetched.txt")
 (ZEPK-File-Download "file:///nonexistent/zepk/x" "never.txt")
 (findfile "never.txt")
+(ZEPK-File-Download (strcat "file://" (getenv "HOME") "/source.txt"))
+asked.txt
+(ZEPK-File-ReadText "asked.txt")
+(ZEPK-File-Download "file:///x")
+
 (ZEPK-File-Download)
+;
+; ---- the file dialog, asked on the command line
+(ZEPK-File-GetFiled "打开文件" "" "txt" 0)
+source
+(ZEPK-File-GetFiled "Open")
+nothing-here.txt
+
+(ZEPK-File-GetFiled)
+(ZEPK-File-GetFiled 1)
+(ZEPK-File-GetFiled "a" 2)
+(ZEPK-File-GetFiled "a" "b" "c" "d")
+(ZEPK-File-GetFiled "a" "b" "c" 0 1)
