@@ -272,8 +272,10 @@ int createLink(F place) {
 // separator at the end.
 int lispGetApiPath() {
   if (acedGetArgs()) return failTooMany(MsgStyle::Plain);
-  std::u16string file = sys::fromNativePath(sys::programFile());
-  return retWide(file.substr(0, file.find_last_of(u"\\/")));
+  WCHAR file[MAX_PATH + 1] = {0};
+  GetModuleFileNameW(nullptr, file, MAX_PATH);
+  std::u16string path = file;
+  return retWide(path.substr(0, path.find_last_of(u"\\/")));
 }
 
 int lispGetAcadPath() { return lispGetApiPath(); }
