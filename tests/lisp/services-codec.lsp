@@ -102,6 +102,7 @@
 (ZEPK-String-Encrypt "ab" "key")
 (ZEPK-String-Encrypt "hello world" "abc")
 (ZEPK-String-Encrypt "~~" "~")
+(ZEPK-String-Encrypt "abc" "")
 (ZEPK-String-Encrypt)
 (ZEPK-String-Encrypt "a")
 (ZEPK-String-Encrypt 1 "a")
