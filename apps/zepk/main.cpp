@@ -19,6 +19,9 @@
 #include "host/editor/commands.h"
 #include "host/editor/docman.h"
 #include "host/editor/lispcmds.h"
+#include "host/render/command.h"
+#include "host/render/picture.h"
+#include "host/render/text.h"
 #include "host/lisp/interp.h"
 #include "host/lisp/printer.h"
 #include "host/lisp/bridge.h"
@@ -41,6 +44,9 @@ struct Step {
 
 struct Options {
   std::vector<Step> steps;
+  // --render: a picture of the drawing once everything has run.
+  std::string render;
+  render::PictureOptions picture;
 };
 
 bool endsWith(const std::string& s, const char* suffix) {
@@ -109,6 +115,8 @@ int runSession(const Options& opt) {
   editor::installCommandFunctions(in);
   editor::registerBuiltinCommands();
   editor::registerDocumentCommands();
+  render::registerRenderCommands();
+  render::installTextMetrics();
   // What each new document's LISP starts with: the host's own functions.
   editor::captureLispBase();
   if (opt.steps.empty()) {
@@ -172,6 +180,13 @@ int runSession(const Options& opt) {
     }
   }
   in.out().freshLine();
+  if (!opt.render.empty() && status == 0) {
+    std::string error;
+    if (!render::writePicture(acdbHostApplicationServices()->workingDatabase(), opt.render, opt.picture, &error)) {
+      std::fprintf(stderr, "zepk: %s\n", error.c_str());
+      status = 1;
+    }
+  }
   rx::unloadAllModules();
   return status;
 }
@@ -201,16 +216,59 @@ int main(int argc, char** argv) {
   std::vector<std::string> exprs, files;
   app.add_option("-e,--eval", exprs, "Evaluate a LISP expression and print its value")->type_name("EXPR");
   app.add_option("args", files, "LISP files (.lsp) and scripts (.scr), run in order")->type_name("ARG");
+  std::string size, background, window;
+  app.add_option("--render", opt.render,
+                 "After the rest has run, write a picture of the drawing (.png, .svg or .pdf)")
+      ->type_name("FILE");
+  app.add_option("--size", size, "Size of the picture in pixels (default 1600x1200)")->type_name("WxH");
+  app.add_option("--scale", opt.picture.scale, "Pixels per drawing unit; the size follows from the view")
+      ->type_name("N")
+      ->check(CLI::PositiveNumber);
+  app.add_option("--background", background, "Background of the picture: white (default) or black")
+      ->type_name("COLOR")
+      ->check(CLI::IsMember({"white", "black"}, CLI::ignore_case));
+  app.add_option("--window", window, "Show this window of the drawing instead of its extents")
+      ->type_name("X0,Y0,X1,Y1");
+  app.add_flag("--frame", opt.picture.frame, "Draw a frame round the drawing's extents");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
     return app.exit(e);
+  }
+  if (!size.empty() && !render::parsePictureSize(size, &opt.picture.width, &opt.picture.height)) {
+    std::fprintf(stderr, "zepk: --size %s: give WIDTHxHEIGHT in pixels, from 1 to %d each\n", size.c_str(),
+                 render::kMaxPictureSide);
+    return 2;
+  }
+  if (!window.empty() && !render::parseWindow(window, opt.picture.window)) {
+    std::fprintf(stderr, "zepk: --window %s: give X0,Y0,X1,Y1, two opposite corners of the drawing\n",
+                 window.c_str());
+    return 2;
+  }
+  opt.picture.hasWindow = !window.empty();
+  opt.picture.blackBackground = background == "black" || background == "BLACK" || background == "Black";
+  render::PictureFormat format;
+  if (!opt.render.empty() && !render::pictureFormatOf(opt.render, &format)) {
+    std::fprintf(stderr, "zepk: --render %s: a picture's name ends in .png, .svg or .pdf\n", opt.render.c_str());
+    return 2;
   }
   // The options are valid; take them again in the order given, since
   // expressions and files run interleaved as written.
   bool onlyFiles = false;
   for (int i = 1; i < argc; ++i) {
     std::string a = argv[i];
+    static const char* const kPictureOptions[] = {"--render", "--size", "--scale", "--background", "--window"};
+    bool pictureOption = false;
+    for (const char* p : kPictureOptions) {
+      if (onlyFiles) break;
+      if (a == p) {
+        pictureOption = true;
+        ++i;
+      } else if (a.rfind(std::string(p) + "=", 0) == 0) {
+        pictureOption = true;
+      }
+    }
+    if (pictureOption || (!onlyFiles && a == "--frame")) continue;
     if (!onlyFiles && a == "--") {
       onlyFiles = true;
     } else if (!onlyFiles && (a == "-e" || a == "--eval") && i + 1 < argc) {

@@ -41,6 +41,7 @@ typedef std::vector<AcGeVector3d> AcGeVector3dArray;
 typedef std::vector<double> AcGeDoubleArray;
 typedef std::vector<void*> AcDbVoidPtrArray;
 class AcGeMatrix3d;
+class AcGiWorldDraw;
 
 namespace AcDb {
 
@@ -175,6 +176,11 @@ class AcDbEntity : public AcDbObject {
   // the insertion points of points, texts and block references. Stretch
   // points are the same except a line's and an arc's ends only and a
   // circle's centre. eNotApplicable (and no points) for other kinds.
+  // Describes the entity's picture through the graphics interface (see
+  // host/acgi.h). True when it has drawn itself; the host's own classes
+  // answer false and the picture renderer draws them by their kind.
+  virtual Adesk::Boolean worldDraw(AcGiWorldDraw* mode) { return false; }
+
   virtual Acad::ErrorStatus getGripPoints(std::vector<AcGePoint3d>& gripPoints) const;
   virtual Acad::ErrorStatus getStretchPoints(std::vector<AcGePoint3d>& stretchPoints) const;
 

@@ -10,6 +10,7 @@
 
 #include "host/dbents.h"
 #include "host/dbmtext.h"
+#include "host/db/textmetrics.h"
 #include "host/dbsymtb.h"
 #include "host/editor/cmd_common.h"
 #include "host/editor/commands.h"
@@ -97,7 +98,7 @@ void addExtents(const AcDbEntity* e, AcDbExtents& box, bool& any, int depth = 0)
   }
   if (const AcDbText* t = AcDbText::cast(e)) {
     AcGePoint3d p = t->position();
-    double len = t->height() * t->widthFactor() * static_cast<double>(t->textString().size());
+    double len = db::textWidth(t->textString(), t->height()) * t->widthFactor();
     add(p);
     add(AcGePoint3d(p.x + len * std::cos(t->rotation()) - t->height() * std::sin(t->rotation()),
                     p.y + len * std::sin(t->rotation()) + t->height() * std::cos(t->rotation()), p.z));

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <memory>
 
+#include "host/db/textmetrics.h"
 #include "host/dbapserv.h"
 #include "host/dbelipse.h"
 #include "host/dbhatch.h"
@@ -141,13 +142,8 @@ class Pen {
   double sign_ = 1;
 };
 
-// Width of a text's characters: a wide (CJK) character takes a square,
-// others about six tenths of one.
-double textWidth(const std::u16string& s, double height) {
-  double w = 0;
-  for (char16_t c : s) w += (c >= 0x2E80 ? 1.0 : 0.6) * height;
-  return w;
-}
+// Width of a text in the host's text font.
+double textWidth(const std::u16string& s, double height) { return db::textWidth(s, height); }
 
 void textShape(const AcDbText* t, const AcGeMatrix3d& toDisplay, Shape* out) {
   double h = t->height() > 0 ? t->height() : 2.5;

@@ -1,0 +1,125 @@
+#include "host/render/scene.h"
+
+#include <memory>
+
+#include "host/dbents.h"
+#include "host/dbsymtb.h"
+#include "host/render/canvas.h"
+#include "host/render/entities.h"
+
+namespace zepk::render {
+
+namespace {
+
+// Blocks nest at most this deep; a block that holds itself stops there.
+constexpr int kMaxDepth = 32;
+
+void setTraits(const AcDbEntity* e, Sink& s) {
+  s.setLayer(e->layerId());
+  s.setTrueColor(e->entityColor());
+  s.setLineType(e->linetypeId());
+  s.setLineWeight(e->lineWeight());
+  s.setLineTypeScale(e->linetypeScale());
+  s.setFillType(kAcGiFillNever);
+}
+
+void drawBlockEntities(AcDbObjectId blockId, Sink& s, int depth) {
+  AcDbBlockTableRecord* rec = nullptr;
+  if (acdbOpenObject(rec, blockId, AcDb::kForRead) != Acad::eOk) return;
+  AcDbObjectIdArray ids = rec->entityIds();
+  rec->close();
+  for (const AcDbObjectId& id : ids) {
+    AcDbEntity* e = nullptr;
+    if (acdbOpenObject(e, id, AcDb::kForRead) != Acad::eOk) continue;
+    // Definitions of attributes show in references only as the
+    // attributes themselves, except constant ones, which have none.
+    const AcDbAttributeDefinition* def = AcDbAttributeDefinition::cast(e);
+    if (!def) {
+      drawEntity(e, s, depth);
+    } else if (def->isConstant() && !def->isInvisible()) {
+      setTraits(e, s);
+      if (s.layerVisible()) drawText(def, s);
+    }
+    e->close();
+  }
+}
+
+void drawBlockReference(const AcDbBlockReference* r, Sink& s, int depth) {
+  if (depth >= kMaxDepth) return;
+  AcDbObjectId block = r->blockTableRecord();
+  AcGeMatrix3d m = r->blockTransform();
+  s.pushBlock();
+  const AcDbMInsertBlock* grid = AcDbMInsertBlock::cast(r);
+  int rows = grid ? std::max<int>(1, grid->rows()) : 1, cols = grid ? std::max<int>(1, grid->columns()) : 1;
+  // Very large grids are drawn as far as a sensible picture goes.
+  if (static_cast<long>(rows) * cols > 100000) rows = cols = 1;
+  AcGeMatrix3d ocs = AcGeMatrix3d::planeToWorld(r->normal()) * AcGeMatrix3d::rotation(r->rotation(), AcGeVector3d::kZAxis);
+  for (int i = 0; i < rows; ++i) {
+    for (int j = 0; j < cols; ++j) {
+      AcGeMatrix3d place = m;
+      if (grid) {
+        AcGeVector3d off(j * grid->columnSpacing(), i * grid->rowSpacing(), 0);
+        off.transformBy(ocs);
+        place = AcGeMatrix3d::translation(off) * m;
+      }
+      s.pushModelTransform(place);
+      drawBlockEntities(block, s, depth + 1);
+      s.popModelTransform();
+    }
+  }
+  std::unique_ptr<AcDbObjectIterator> it(r->attributeIterator());
+  for (; it && !it->done(); it->step()) {
+    AcDbEntity* a = nullptr;
+    if (acdbOpenObject(a, it->objectId(), AcDb::kForRead) != Acad::eOk) continue;
+    drawEntity(a, s, depth + 1);
+    a->close();
+  }
+  s.popBlock();
+}
+
+}  // namespace
+
+void drawEntity(AcDbEntity* e, Sink& s, int depth) {
+  if (!e || e->visibility() == AcDb::kInvisible) return;
+  setTraits(e, s);
+  if (const AcDbBlockReference* r = AcDbBlockReference::cast(e)) {
+    // A reference on a layer that is off still shows its entities of
+    // other layers; on a frozen layer nothing of it shows.
+    if (!s.layerFrozen()) drawBlockReference(r, s, depth);
+    return;
+  }
+  if (!s.layerVisible()) return;
+  if (e->worldDraw(&s)) return;
+  drawHostEntity(e, s);
+}
+
+void drawModelSpace(AcDbDatabase* db, Sink& s) {
+  if (!db) return;
+  AcDbBlockTable* table = nullptr;
+  if (db->getBlockTable(table, AcDb::kForRead) != Acad::eOk) return;
+  AcDbObjectId ms;
+  Acad::ErrorStatus es = table->getAt(u"*Model_Space", ms);
+  table->close();
+  if (es != Acad::eOk) return;
+  AcDbBlockTableRecord* rec = nullptr;
+  if (acdbOpenObject(rec, ms, AcDb::kForRead) != Acad::eOk) return;
+  AcDbObjectIdArray ids = rec->entityIds();
+  rec->close();
+  for (const AcDbObjectId& id : ids) {
+    AcDbEntity* e = nullptr;
+    if (acdbOpenObject(e, id, AcDb::kForRead) != Acad::eOk) continue;
+    drawEntity(e, s, 0);
+    e->close();
+  }
+}
+
+bool modelSpaceExtents(AcDbDatabase* db, double* minX, double* minY, double* maxX, double* maxY) {
+  DrawingProps props(db);
+  ExtentsSink sink(props);
+  drawModelSpace(db, sink);
+  if (sink.empty()) return false;
+  *minX = sink.minX, *minY = sink.minY, *maxX = sink.maxX, *maxY = sink.maxY;
+  return true;
+}
+
+}  // namespace zepk::render
