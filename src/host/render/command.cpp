@@ -3,7 +3,9 @@
 // each asked for in turn as the host's commands ask.
 #include "host/render/command.h"
 
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include "host/ads.h"
@@ -60,7 +62,7 @@ bool askSize(PictureOptions& o) {
       return true;
     }
     char* end = nullptr;
-    double k = std::strtod(t.c_str(), &end);
+    double k = t.find_first_of("xX") == std::string::npos ? std::strtod(t.c_str(), &end) : 0.0;
     if (end && *end == 0 && k > 0 && std::isfinite(k)) {
       o.scale = k;
       return true;
@@ -95,7 +97,23 @@ void cmdExport() {
   for (;;) {
     std::u16string prompt = u"\nEnter picture file name or [Size/Window/Extents/Background/Frame] <" +
                             defaultName() + u">: ";
-    if (editor::getString(true, prompt, &name) != RTNORM) return;
+    // A space ends the answer, so that the keywords can follow one another
+    // on a line; a name with spaces is typed in double quotes.
+    if (editor::getString(false, prompt, &name) != RTNORM) return;
+    if (!name.empty() && name[0] == u'"') {
+      std::u16string rest;
+      if ((name.size() < 2 || name.back() != u'"') && editor::Commands::get().takeLineRest(&rest)) {
+        size_t close = rest.find(u'"');
+        name += u" " + rest.substr(0, close == std::u16string::npos ? rest.size() : close + 1);
+        if (close != std::u16string::npos && close + 1 < rest.size()) {
+          size_t from = rest.find_first_not_of(u' ', close + 1);
+          if (from != std::u16string::npos) editor::Commands::get().setLine(rest.substr(from));
+        }
+      }
+      name = name.substr(1);
+      if (!name.empty() && name.back() == u'"') name.pop_back();
+      break;
+    }
     const char16_t* k = keywordOf(name);
     if (!k) break;
     std::u16string kw = k, choice;

@@ -122,14 +122,33 @@ void drawHatch(const AcDbHatch* h, Sink& s) {
   };
 
   std::vector<Segment> pieces;
-  bool lines = !h->isSolidFill() && !h->isGradient() && h->numPatternDefinitions() > 0;
+  bool lines = !h->isSolidFill() && !h->isGradient();
   if (lines) {
-    for (int i = 0; i < h->numPatternDefinitions() && lines; ++i) {
+    std::vector<PatternFamily> families;
+    for (int i = 0; i < h->numPatternDefinitions(); ++i) {
       PatternFamily f;
       AcGeDoubleArray dashes;
       h->getPatternDefinitionAt(i, f.angle, f.base.x, f.base.y, f.offset.x, f.offset.y, dashes);
       f.dashes.assign(dashes.begin(), dashes.end());
+      families.push_back(f);
+    }
+    if (families.empty()) {
+      // No definition in the drawing: a user-defined pattern is lines at
+      // its angle and spacing (crossed when double); a named one shows as
+      // the plain 45 degree lines of the standard pattern.
+      bool user = h->patternType() == AcDbHatch::kUserDefined;
+      double a = h->patternAngle() + (user ? 0.0 : M_PI / 4);
+      double step = user ? h->patternSpace() : 3.175 * h->patternScale();
+      for (int k = 0; k < (user && h->patternDouble() ? 2 : 1); ++k) {
+        PatternFamily f;
+        f.angle = a + k * M_PI / 2;
+        f.offset = {-std::sin(f.angle) * step, std::cos(f.angle) * step};
+        families.push_back(f);
+      }
+    }
+    for (const PatternFamily& f : families) {
       lines = hatchSegments(loops, f, kMaxPieces, &pieces);
+      if (!lines) break;
     }
     // Lines finer than a pixel look like a fill: drawn as one.
     if (lines && s.pixelsPerUnit() > 0 && pieces.size() > kMaxPieces / 2) lines = false;
