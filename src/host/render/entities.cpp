@@ -8,8 +8,10 @@
 #include "host/dbhatch.h"
 #include "host/dbmtext.h"
 #include "host/dbpl.h"
+#include "host/dbray.h"
 #include "host/dbregion.h"
 #include "host/dbspline.h"
+#include "host/dbxline.h"
 #include "host/gecurv3d.h"
 #include "host/imgent.h"
 #include "host/render/outline.h"
@@ -35,13 +37,24 @@ void drawLine(const AcDbLine* l, Sink& s) {
   s.polyline(2, p);
 }
 
+}  // namespace
+
+AcGePoint3d fromOcs(const AcGeVector3d& n, const AcGePoint3d& p) {
+  if ((n.x == 0 && n.y == 0 && n.z > 0) || n.isZeroLength()) return p;
+  AcGePoint3d q = p;
+  q.transformBy(AcGeMatrix3d::planeToWorld(n));
+  return q;
+}
+
+namespace {
+
 void drawArc(const AcDbArc* a, Sink& s) {
   AcGeMatrix3d ocs = AcGeMatrix3d::planeToWorld(a->normal());
   double a0 = a->startAngle(), sweep = a->endAngle() - a0;
   while (sweep <= 0) sweep += kTwoPi;
   while (sweep > kTwoPi) sweep -= kTwoPi;
   AcGeVector3d start = ocs.getCsXAxis() * std::cos(a0) + ocs.getCsYAxis() * std::sin(a0);
-  s.circularArc(a->center(), a->radius(), a->normal(), start, sweep);
+  s.circularArc(fromOcs(a->normal(), a->center()), a->radius(), a->normal(), start, sweep);
 }
 
 void drawEllipse(const AcDbEllipse* e, Sink& s) {
@@ -98,8 +111,7 @@ void drawPlanarRun(const std::vector<PlanarVertex>& v, bool closed, const AcGeVe
     for (size_t i = 0; i < segs; ++i) {
       if (i < outlines.size() && !outlines[i].empty()) continue;
       std::vector<PlanarVertex> one = {v[i], v[(i + 1) % n]};
-      one[1].bulge = 0;
-      one[0].w0 = one[0].w1 = 0;
+      for (PlanarVertex& x : one) x.w0 = x.w1 = 0;
       drawPlanarRun(one, false, normal, s);
     }
     return;
@@ -367,12 +379,33 @@ void drawImageFrame(const AcDbRasterImage* img, Sink& s) {
   s.polygon(4, pts);
 }
 
+// A ray or construction line: the part of it on the canvas, and a little
+// beyond; nothing for extents, which infinite lines have none of.
+void drawInfinite(const AcGePoint3d& base, const AcGeVector3d& dir, bool bothWays, Sink& s) {
+  if (!(s.pixelsPerUnit() > 0) || dir.isZeroLength()) return;
+  AcGeVector3d d = dir.normal();
+  double dx = d.x, dy = d.y;
+  double len2 = dx * dx + dy * dy;
+  if (len2 < 1e-24) return;  // seen end on
+  double r = 2 * s.viewHeight * 2;
+  // Where |base + t d - centre| = r on the plan.
+  double ox = base.x - s.viewCenterX, oy = base.y - s.viewCenterY;
+  double b = ox * dx + oy * dy, c = ox * ox + oy * oy - r * r;
+  double disc = b * b - len2 * c;
+  if (disc <= 0) return;
+  double t0 = (-b - std::sqrt(disc)) / len2, t1 = (-b + std::sqrt(disc)) / len2;
+  if (!bothWays) t0 = std::max(t0, 0.0);
+  if (t1 <= t0) return;
+  AcGePoint3d e[2] = {base + d * t0, base + d * t1};
+  s.polyline(2, e);
+}
+
 }  // namespace
 
 bool drawHostEntity(AcDbEntity* e, Sink& s) {
   if (const AcDbLine* l = AcDbLine::cast(e)) return drawLine(l, s), true;
   if (const AcDbArc* a = AcDbArc::cast(e)) return drawArc(a, s), true;
-  if (const AcDbCircle* c = AcDbCircle::cast(e)) return s.circle(c->center(), c->radius(), c->normal()), true;
+  if (const AcDbCircle* c = AcDbCircle::cast(e)) return s.circle(fromOcs(c->normal(), c->center()), c->radius(), c->normal()), true;
   if (const AcDbEllipse* el = AcDbEllipse::cast(e)) return drawEllipse(el, s), true;
   if (const AcDbPolyline* p = AcDbPolyline::cast(e)) return drawLwPolyline(p, s), true;
   if (const AcDb2dPolyline* p = AcDb2dPolyline::cast(e)) return draw2dPolyline(p, s), true;
@@ -383,12 +416,12 @@ bool drawHostEntity(AcDbEntity* e, Sink& s) {
   if (const AcDbPoint* p = AcDbPoint::cast(e)) return drawPoint(p, s), true;
   if (const AcDbSolid* so = AcDbSolid::cast(e)) {
     AcGePoint3d q[4];
-    for (Adesk::UInt16 i = 0; i < 4; ++i) so->getPointAt(i, q[i]);
+    for (Adesk::UInt16 i = 0; i < 4; ++i) so->getPointAt(i, q[i]), q[i] = fromOcs(so->normal(), q[i]);
     return drawQuad(q, s), true;
   }
   if (const AcDbTrace* tr = AcDbTrace::cast(e)) {
     AcGePoint3d q[4];
-    for (Adesk::UInt16 i = 0; i < 4; ++i) tr->getPointAt(i, q[i]);
+    for (Adesk::UInt16 i = 0; i < 4; ++i) tr->getPointAt(i, q[i]), q[i] = fromOcs(tr->normal(), q[i]);
     return drawQuad(q, s), true;
   }
   if (const AcDbFace* f = AcDbFace::cast(e)) return drawFace(f, s), true;
@@ -407,6 +440,8 @@ bool drawHostEntity(AcDbEntity* e, Sink& s) {
   if (const AcDbHatch* h = AcDbHatch::cast(e)) return drawHatch(h, s), true;
   if (const AcDbRegion* r = AcDbRegion::cast(e)) return drawRegion(r, s), true;
   if (const AcDbRasterImage* img = AcDbRasterImage::cast(e)) return drawImageFrame(img, s), true;
+  if (const AcDbRay* ray = AcDbRay::cast(e)) return drawInfinite(ray->basePoint(), ray->unitDir(), false, s), true;
+  if (const AcDbXline* x = AcDbXline::cast(e)) return drawInfinite(x->basePoint(), x->unitDir(), true, s), true;
   if (const AcDbCurve* c = AcDbCurve::cast(e)) return drawSampled(c, s), true;
   return false;
 }

@@ -14,6 +14,11 @@ class AcDbHatch;
 
 namespace zepk::render {
 
+// Where a point an entity keeps in its own coordinate system (that of its
+// normal, as a drawing file holds the centres of circles and arcs, the
+// corners of solids and the points of texts) lies in the world.
+AcGePoint3d fromOcs(const AcGeVector3d& normal, const AcGePoint3d& p);
+
 // Draws an entity of the host's own classes; false when the kind is not
 // one the renderer draws (or is a block reference).
 bool drawHostEntity(AcDbEntity* e, Sink& sink);

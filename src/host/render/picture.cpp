@@ -168,6 +168,8 @@ bool writePicture(AcDbDatabase* db, const std::string& path, const PictureOption
     DrawingProps props(db);
     CairoSink sink(props, cr, view, o.blackBackground);
     sink.viewHeight = h / view.scale;
+    sink.viewCenterX = view.x0 + w / (2 * view.scale);
+    sink.viewCenterY = view.y0 + h / (2 * view.scale);
     drawModelSpace(db, sink);
   }
   if (o.frame && hasExt) {

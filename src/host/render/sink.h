@@ -149,8 +149,10 @@ class Sink : public AcGiWorldDraw, public AcGiWorldGeometry, public AcGiSubEntit
   // Pixels per drawing unit of the output (0 when it has none).
   void setPixelsPerUnit(double s) { pixelsPerUnit_ = s; }
   double pixelsPerUnit() const { return pixelsPerUnit_; }
-  // The height of the view in drawing units (points sized relative to it).
+  // The height and centre of the view in drawing units (points are sized
+  // relative to it, infinite lines drawn across it).
   double viewHeight = 1.0;
+  double viewCenterX = 0.0, viewCenterY = 0.0;
 
  protected:
   // The output: a path stroked with the style, or filled (closed

@@ -33,14 +33,14 @@ void drawText(const AcDbText* t, Sink& s, const std::u16string* shown) {
   double rot = t->rotation();
   AcGeVector3d n = t->normal().isZeroLength() ? AcGeVector3d::kZAxis : t->normal().normal();
   AcGeMatrix3d ocs = AcGeMatrix3d::planeToWorld(n);
-  AcGePoint3d at = t->position();
+  AcGePoint3d at = fromOcs(n, t->position());
   double width = textAdvance(plain) * h * wf;
   int hm = t->horizontalMode(), vm = t->verticalMode();
   if (hm == AcDb::kTextAlign || hm == AcDb::kTextFit) {
     // The text runs from the position to the alignment point: aligned
     // text keeps its proportions (the height follows), fitted text its
     // height (the width factor follows).
-    AcGePoint3d b = t->alignmentPoint();
+    AcGePoint3d b = fromOcs(n, t->alignmentPoint());
     double len = at.distanceTo(b);
     if (len > 0 && width > 0) {
       AcGeVector3d d = b - at;
@@ -52,7 +52,7 @@ void drawText(const AcDbText* t, Sink& s, const std::u16string* shown) {
       width = len;
     }
   } else if (hm != AcDb::kTextLeft || vm != AcDb::kTextBase) {
-    at = t->alignmentPoint();
+    at = fromOcs(n, t->alignmentPoint());
     double dx = 0, dy = 0;
     if (hm == AcDb::kTextCenter || hm == AcDb::kTextMid) dx = -width / 2;
     else if (hm == AcDb::kTextRight) dx = -width;
