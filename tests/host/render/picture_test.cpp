@@ -87,6 +87,23 @@ class Drawing {
   std::unique_ptr<AcDbDatabase> db_;
 };
 
+AcDbObjectId dashed(AcDbDatabase* db, const char16_t* name, std::initializer_list<double> dashes) {
+  AcDbLinetypeTable* t = nullptr;
+  db->getLinetypeTable(t, AcDb::kForWrite);
+  auto* rec = new AcDbLinetypeTableRecord;
+  rec->setName(name);
+  rec->setNumDashes(static_cast<int>(dashes.size()));
+  double total = 0;
+  int i = 0;
+  for (double d : dashes) rec->setDashLengthAt(i++, d), total += std::fabs(d);
+  rec->setPatternLength(total);
+  AcDbObjectId id;
+  EXPECT_EQ(t->add(id, rec), Acad::eOk);
+  rec->close();
+  t->close();
+  return id;
+}
+
 AcDbLine* line(double x0, double y0, double x1, double y1, int color = 256) {
   auto* l = new AcDbLine(AcGePoint3d(x0, y0, 0), AcGePoint3d(x1, y1, 0));
   l->setColorIndex(static_cast<Adesk::UInt16>(color));
@@ -236,6 +253,45 @@ TEST_F(Picture, WidePolylinesAndHatches) {
   EXPECT_EQ(at(55.125, 45), kGreen);
   EXPECT_EQ(at(52.5, 45), kWhite);
   EXPECT_EQ(at(50.125, 62), kWhite);  // not past the boundary
+}
+
+TEST_F(Picture, LinetypesAndLineweights) {
+  // Dashes of 5 and gaps of 5, at LTSCALE 1 and at the entity's scale 2;
+  // the same pattern on a layer, taken ByLayer.
+  AcDbObjectId dash = dashed(d_.db(), u"DASH5", {5, -5});
+  AcDbLine* l = line(0, 10.125, 100, 10.125, 1);
+  l->setLinetype(dash);
+  d_.append(l);
+  l = line(0, 20.125, 100, 20.125, 1);
+  l->setLinetype(dash);
+  l->setLinetypeScale(2);
+  d_.append(l);
+  AcDbObjectId layer = d_.layer(u"Dashed", 5);
+  {
+    AcDbLayerTableRecord* rec = nullptr;
+    ASSERT_EQ(acdbOpenObject(rec, layer, AcDb::kForWrite), Acad::eOk);
+    rec->setLinetypeObjectId(dash);
+    rec->close();
+  }
+  l = line(0, 30.125, 100, 30.125);
+  l->setLayer(layer);
+  d_.append(l);
+  // A heavy line: 2.11 mm is eight pixels at 96 to the inch.
+  l = line(10, 50, 90, 50, 3);
+  l->setLineWeight(AcDb::kLnWt211);
+  d_.append(l);
+  render();
+  EXPECT_EQ(at(2.5, 10.125), kRed);
+  EXPECT_EQ(at(7.5, 10.125), kWhite);
+  EXPECT_EQ(at(12.5, 10.125), kRed);
+  EXPECT_EQ(at(5, 20.125), kRed);
+  EXPECT_EQ(at(15, 20.125), kWhite);
+  EXPECT_EQ(at(25, 20.125), kRed);
+  EXPECT_EQ(at(2.5, 30.125), kBlue);
+  EXPECT_EQ(at(7.5, 30.125), kWhite);
+  EXPECT_EQ(at(50, 50.8), kGreen);
+  EXPECT_EQ(at(50, 49.2), kGreen);
+  EXPECT_EQ(at(50, 51.5), kWhite);
 }
 
 TEST_F(Picture, TextStandsOnItsBaselineAtItsHeight) {
