@@ -291,8 +291,11 @@ void drawPoint(const AcDbPoint* p, Sink& s) {
   AcGePoint3d c = p->position();
   int shape = mode & 7;
   if (shape == 0) s.polyline(1, &c);
+  // The figure turns against the angle of the X axis kept with the point.
+  double ca = std::cos(-p->ecsRotation()), sa = std::sin(-p->ecsRotation());
   auto seg = [&](double x0, double y0, double x1, double y1) {
-    AcGePoint3d e[2] = {AcGePoint3d(c.x + x0, c.y + y0, c.z), AcGePoint3d(c.x + x1, c.y + y1, c.z)};
+    AcGePoint3d e[2] = {AcGePoint3d(c.x + x0 * ca - y0 * sa, c.y + x0 * sa + y0 * ca, c.z),
+                        AcGePoint3d(c.x + x1 * ca - y1 * sa, c.y + x1 * sa + y1 * ca, c.z)};
     s.polyline(2, e);
   };
   if (shape == 2) seg(-h, 0, h, 0), seg(0, -h, 0, h);

@@ -2,7 +2,9 @@
 
 #include <memory>
 
+#include "host/db/memfiler.h"
 #include "host/dbents.h"
+#include "host/dbproxy.h"
 #include "host/dbsymtb.h"
 #include "host/render/canvas.h"
 #include "host/render/entities.h"
@@ -77,6 +79,30 @@ void drawBlockReference(const AcDbBlockReference* r, Sink& s, int depth) {
   s.popBlock();
 }
 
+// A dimension the database keeps as it was read: the block that the
+// file gives as its picture (group 2), drawn where it is, ByBlock meaning
+// the dimension's own properties.
+bool drawDimensionBlock(const AcDbProxyEntity* p, Sink& s, int depth) {
+  std::u16string dxfName = p->originalDxfName() ? p->originalDxfName() : u"";
+  if (dxfName != u"DIMENSION" || depth >= kMaxDepth) return false;
+  db::MemoryDxfFiler filer(AcDb::kFileFiler, p->database());
+  if (p->dxfOutFields(&filer) != Acad::eOk) return false;
+  std::u16string block;
+  for (const db::DxfItem& item : filer.items())
+    if (item.code == 2 && item.kind == db::DxfItem::String) block = item.s;
+  if (block.empty() || !p->database()) return false;
+  AcDbBlockTable* table = nullptr;
+  if (p->database()->getBlockTable(table, AcDb::kForRead) != Acad::eOk) return false;
+  AcDbObjectId id;
+  Acad::ErrorStatus es = table->getAt(block.c_str(), id);
+  table->close();
+  if (es != Acad::eOk) return false;
+  s.pushBlock();
+  drawBlockEntities(id, s, depth + 1);
+  s.popBlock();
+  return true;
+}
+
 }  // namespace
 
 void drawEntity(AcDbEntity* e, Sink& s, int depth) {
@@ -89,6 +115,10 @@ void drawEntity(AcDbEntity* e, Sink& s, int depth) {
     return;
   }
   if (!s.layerVisible()) return;
+  if (const AcDbProxyEntity* p = AcDbProxyEntity::cast(e)) {
+    drawDimensionBlock(p, s, depth);
+    return;
+  }
   if (e->worldDraw(&s)) return;
   drawHostEntity(e, s);
 }

@@ -56,6 +56,9 @@ const DrawingProps::Layer& DrawingProps::layer(AcDbObjectId id) {
     std::u16string name;
     rec->getName(name);
     l.isZero = name == u"0";
+    // The points that dimensions are measured from are not part of the
+    // picture, as they are not part of a plot.
+    if (upper(name) == u"DEFPOINTS") l.off = true;
     rec->close();
   }
   return layers_.emplace(id, l).first->second;
