@@ -14,7 +14,9 @@
 #include <memory>
 #include <string>
 
+#include "host/acgi.h"
 #include "host/dbhatch.h"
+#include "host/dbmtext.h"
 #include "host/dbpl.h"
 #include "host/dbsymtb.h"
 #include "host/render/picture.h"
@@ -109,6 +111,30 @@ AcDbLine* line(double x0, double y0, double x1, double y1, int color = 256) {
   l->setColorIndex(static_cast<Adesk::UInt16>(color));
   return l;
 }
+
+// An entity of a class the host does not know, which draws itself: a
+// filled square in its own colour, a red circle and a text, through the
+// graphics interface.
+class Beacon : public AcDbEntity {
+ public:
+  ACRX_DECLARE_MEMBERS(Beacon);
+  AcGePoint3d at;
+  Adesk::Boolean worldDraw(AcGiWorldDraw* wd) override {
+    AcGiWorldGeometry& g = wd->geometry();
+    AcGiSubEntityTraits& t = wd->subEntityTraits();
+    AcGePoint3d sq[4] = {at + AcGeVector3d(-2, -2, 0), at + AcGeVector3d(2, -2, 0), at + AcGeVector3d(2, 2, 0),
+                         at + AcGeVector3d(-2, 2, 0)};
+    t.setFillType(kAcGiFillAlways);
+    g.polygon(4, sq);
+    t.setFillType(kAcGiFillNever);
+    t.setColor(1);
+    g.circle(at, 8, AcGeVector3d::kZAxis);
+    t.setColor(256);  // ByLayer again
+    g.text(at + AcGeVector3d(0, 10, 0), AcGeVector3d::kZAxis, AcGeVector3d::kXAxis, 4, 1, 0, u"B");
+    return true;
+  }
+};
+ACRX_DEFINE_MEMBERS(Beacon);
 
 // A picture of the window (0,0)-(100,75) at 400 x 300: 4 pixels a unit.
 class Picture : public ::testing::Test {
@@ -294,6 +320,30 @@ TEST_F(Picture, LinetypesAndLineweights) {
   EXPECT_EQ(at(50, 51.5), kWhite);
 }
 
+TEST_F(Picture, CustomEntitiesDrawThemselves) {
+  if (!Beacon::gpDesc)
+    Beacon::gpDesc = newAcRxClass(u"TestBeacon", u"AcDbEntity", [] { return static_cast<AcRxObject*>(new Beacon); },
+                                  u"TESTBEACON", u"tests");
+  auto* b = new Beacon;
+  b->at = AcGePoint3d(50.125, 30.125, 0);
+  b->setColorIndex(5);
+  d_.append(b);
+  // On a layer that is off, it is not asked to draw.
+  AcDbObjectId off = d_.layer(u"Hidden", 3, true);
+  b = new Beacon;
+  b->at = AcGePoint3d(20, 30, 0);
+  b->setLayer(off);
+  d_.append(b);
+  render();
+  EXPECT_EQ(at(50.125, 30.125), kBlue);
+  EXPECT_EQ(at(58.125, 30.125), kRed);
+  EXPECT_EQ(at(50.125, 34), kWhite);
+  double x0, y0, x1, y1;
+  inkBox(&x0, &y0, &x1, &y1);
+  EXPECT_NEAR(y1, 44.125, 0.5);  // the text's capitals reach 30 + 10 + 4
+  EXPECT_GT(x0, 40);          // nothing of the hidden one
+}
+
 TEST_F(Picture, TextStandsOnItsBaselineAtItsHeight) {
   // Capitals 10 high from (10, 20): the ink is 10 high and as wide as the
   // font measures.
@@ -318,6 +368,30 @@ TEST_F(Picture, RightAlignedTextEndsAtItsPoint) {
   EXPECT_NEAR(x1, 90, 1.5);
   EXPECT_NEAR(y0, 40, 0.5);
   EXPECT_NEAR(x1 - x0, textAdvance(u"HHHH") * 8, 2.5);
+}
+
+TEST_F(Picture, MTextWrapsAroundItsAttachmentPoint) {
+  // Two paragraphs in a box 40 wide, the second red: the lines are
+  // centred on (50, 40) both ways.
+  auto* m = new AcDbMText;
+  m->setLocation(AcGePoint3d(50, 40, 0));
+  m->setTextHeight(5);
+  m->setWidth(40);
+  m->setAttachment(AcDbMText::kMiddleCenter);
+  m->setContents(u"HHHHHH\\P{\\C1;HHHH}");
+  d_.append(m);
+  render();
+  double x0, y0, x1, y1;
+  inkBox(&x0, &y0, &x1, &y1);
+  // Lines 5 high with their baselines 5 * 5 / 3 apart: 5 + 8.33 tall.
+  EXPECT_NEAR(y1 - y0, 5 + 25.0 / 3, 0.75);
+  EXPECT_NEAR((y0 + y1) / 2, 40, 0.75);
+  EXPECT_NEAR((x0 + x1) / 2, 50, 0.75);
+  EXPECT_NEAR(x1 - x0, textAdvance(u"HHHHHH") * 5, 1.5);  // less the side bearings
+  // The second line is red.
+  bool red = false;
+  for (double x = 35; x < 65; x += 0.25) red = red || at(x, y0 + 2.5) == kRed;
+  EXPECT_TRUE(red);
 }
 
 TEST_F(Picture, FilesOfEachFormatAndFailuresLeaveNothing) {
