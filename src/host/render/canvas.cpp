@@ -116,62 +116,147 @@ void CairoSink::setDashes(const Style& s, double width) {
   cairo_set_line_cap(cr_, CAIRO_LINE_CAP_ROUND);
 }
 
+namespace {
+
+// How far past the canvas paths are kept: beyond it lines are cut, so that
+// coordinates stay well inside what cairo's fixed-point numbers hold.
+constexpr double kMargin = 2048;
+// Arcs larger than this (pixels) are drawn as points along them.
+constexpr double kLargestArc = 1 << 22;
+
+struct Box {
+  double x0, y0, x1, y1;
+};
+
+// Cuts the segment to the box (Liang-Barsky); false when none of it is in.
+bool clipSegment(const Box& b, double& ax, double& ay, double& bx, double& by) {
+  double t0 = 0, t1 = 1, dx = bx - ax, dy = by - ay;
+  const double p[4] = {-dx, dx, -dy, dy};
+  const double q[4] = {ax - b.x0, b.x1 - ax, ay - b.y0, b.y1 - ay};
+  for (int i = 0; i < 4; ++i) {
+    if (p[i] == 0) {
+      if (q[i] < 0) return false;
+      continue;
+    }
+    double r = q[i] / p[i];
+    if (p[i] < 0) t0 = std::max(t0, r);
+    else t1 = std::min(t1, r);
+    if (t0 > t1) return false;
+  }
+  double sx = ax + t0 * dx, sy = ay + t0 * dy, ex = ax + t1 * dx, ey = ay + t1 * dy;
+  ax = sx, ay = sy, bx = ex, by = ey;
+  return true;
+}
+
+bool finite(double x, double y) { return std::isfinite(x) && std::isfinite(y); }
+
+}  // namespace
+
 void CairoSink::emitPath(const Path& path, const Style& style, bool fill) {
   double w = std::max(1.0, style.lineweightMm * kPixelsPerMm);
+  const Box box{-kMargin, -kMargin, view_.width + kMargin, view_.height + kMargin};
   cairo_new_path(cr_);
   setColour(style);
   if (path.ops.size() == 1 && path.ops[0].kind == Path::Op::Move) {
     double x, y;
     view_.toDevice(path.ops[0].x, path.ops[0].y, &x, &y);
+    if (!finite(x, y) || x < box.x0 || x > box.x1 || y < box.y0 || y > box.y1) return;
     cairo_rectangle(cr_, x - w / 2, y - w / 2, w, w);
     cairo_fill(cr_);
     return;
   }
-  bool open = false;
+  // The current point and the start of the subpath, on the canvas; down:
+  // cairo's own current point is the current point.
+  double cx = 0, cy = 0, sx = 0, sy = 0;
+  bool have = false, down = false;
+  auto jump = [&](double x, double y) {
+    cx = x, cy = y, sx = x, sy = y;
+    have = true;
+    down = false;
+  };
+  auto lineTo = [&](double x, double y) {
+    if (!have) return jump(x, y);
+    double ax = cx, ay = cy, bx = x, by = y;
+    if (fill) {
+      // A filled outline keeps its shape on the canvas when far corners
+      // are pulled in to the margin.
+      ax = std::clamp(ax, box.x0, box.x1), ay = std::clamp(ay, box.y0, box.y1);
+      bx = std::clamp(bx, box.x0, box.x1), by = std::clamp(by, box.y0, box.y1);
+      if (!down) cairo_move_to(cr_, ax, ay);
+      cairo_line_to(cr_, bx, by);
+      down = true;
+    } else if (clipSegment(box, ax, ay, bx, by)) {
+      if (!down || ax != cx || ay != cy) cairo_move_to(cr_, ax, ay);
+      cairo_line_to(cr_, bx, by);
+      down = bx == x && by == y;
+    } else {
+      down = false;
+    }
+    cx = x, cy = y;
+  };
   for (const Path::Op& op : path.ops) {
     double x, y;
     switch (op.kind) {
       case Path::Op::Move:
         view_.toDevice(op.x, op.y, &x, &y);
-        cairo_move_to(cr_, x, y);
-        open = true;
+        if (finite(x, y)) jump(x, y);
         break;
       case Path::Op::Line:
         view_.toDevice(op.x, op.y, &x, &y);
-        if (open) cairo_line_to(cr_, x, y);
-        else cairo_move_to(cr_, x, y);
-        open = true;
+        if (finite(x, y)) lineTo(x, y);
         break;
       case Path::Op::Arc: {
         cairo_matrix_t m;
         const Affine& a = op.arc;
         cairo_matrix_init(&m, a.xx * view_.scale, -a.yx * view_.scale, a.xy * view_.scale, -a.yy * view_.scale,
                           (a.x0 - view_.x0) * view_.scale, view_.height - (a.y0 - view_.y0) * view_.scale);
-        if (!usable(m)) {
-          // Flat on the plan (seen edge on): its chord.
-          double sx, sy, ex, ey;
-          view_.toDevice(a.xx * std::cos(op.t0) + a.xy * std::sin(op.t0) + a.x0,
-                         a.yx * std::cos(op.t0) + a.yy * std::sin(op.t0) + a.y0, &sx, &sy);
-          view_.toDevice(a.xx * std::cos(op.t1) + a.xy * std::sin(op.t1) + a.x0,
-                         a.yx * std::cos(op.t1) + a.yy * std::sin(op.t1) + a.y0, &ex, &ey);
-          if (open) cairo_line_to(cr_, sx, sy);
-          else cairo_move_to(cr_, sx, sy);
-          cairo_line_to(cr_, ex, ey);
-          open = true;
+        auto at = [&](double t, double* px, double* py) {
+          *px = m.xx * std::cos(t) + m.xy * std::sin(t) + m.x0;
+          *py = m.yx * std::cos(t) + m.yy * std::sin(t) + m.y0;
+        };
+        double ax, ay, ex, ey;
+        at(op.t0, &ax, &ay);
+        at(op.t1, &ex, &ey);
+        if (!finite(ax, ay) || !finite(ex, ey)) break;
+        double rx = std::fabs(m.xx) + std::fabs(m.xy), ry = std::fabs(m.yx) + std::fabs(m.yy);
+        if (m.x0 + rx < box.x0 || m.x0 - rx > box.x1 || m.y0 + ry < box.y0 || m.y0 - ry > box.y1) {
+          // Wholly off the canvas: the pen goes on from its end.
+          if (have) lineTo(ax, ay);
+          cx = ex, cy = ey, down = false;
+          if (!have) jump(ex, ey);
           break;
         }
-        if (!open) cairo_new_sub_path(cr_);
+        if (!usable(m) || rx > kLargestArc || ry > kLargestArc) {
+          // Flat on the plan (seen edge on), or too large for cairo: as
+          // points along it.
+          double r = std::max(rx, ry);
+          int n = usable(m) ? std::clamp(static_cast<int>(std::fabs(op.t1 - op.t0) * std::sqrt(r)), 2, 20000) : 1;
+          lineTo(ax, ay);
+          for (int i = 1; i <= n; ++i) {
+            double px, py;
+            at(op.t0 + (op.t1 - op.t0) * i / n, &px, &py);
+            lineTo(px, py);
+          }
+          break;
+        }
+        if (have) lineTo(ax, ay);
+        else jump(ax, ay);
+        if (!down) cairo_new_sub_path(cr_);
         cairo_save(cr_);
         cairo_transform(cr_, &m);
         if (op.t1 >= op.t0) cairo_arc(cr_, 0, 0, 1, op.t0, op.t1);
         else cairo_arc_negative(cr_, 0, 0, 1, op.t0, op.t1);
         cairo_restore(cr_);
-        open = true;
+        cx = ex, cy = ey, down = true;
         break;
       }
       case Path::Op::Close:
-        if (open) cairo_close_path(cr_);
-        open = false;
+        if (have) {
+          lineTo(sx, sy);
+          if (down) cairo_close_path(cr_);
+        }
+        have = false;
+        down = false;
         break;
     }
   }

@@ -12,7 +12,7 @@ namespace zepk::render {
 struct ViewMap {
   double x0 = 0, y0 = 0;  // the drawing point at the canvas's lower left corner
   double scale = 1;       // pixels per drawing unit
-  double height = 0;      // canvas height in pixels
+  double width = 0, height = 0;  // canvas size in pixels
   void toDevice(double x, double y, double* dx, double* dy) const {
     *dx = (x - x0) * scale;
     *dy = height - (y - y0) * scale;

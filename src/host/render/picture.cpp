@@ -82,6 +82,7 @@ bool layOut(AcDbDatabase* db, const PictureOptions& o, int* w, int* h, ViewMap* 
   // The window fills the canvas one way and is centred the other.
   double s = std::min(*w / ww, *h / wh);
   view->scale = s;
+  view->width = *w;
   view->height = *h;
   view->x0 = (x0 + x1) / 2 - *w / (2 * s);
   view->y0 = (y0 + y1) / 2 - *h / (2 * s);

@@ -344,6 +344,26 @@ TEST_F(Picture, CustomEntitiesDrawThemselves) {
   EXPECT_GT(x0, 40);          // nothing of the hidden one
 }
 
+TEST_F(Picture, GeometryFarOffTheCanvasStillCrossesItRightly) {
+  // Ends ten million units away (forty million pixels, beyond what the
+  // canvas's numbers hold), and a circle of that radius whose top passes
+  // through the window; a line with no number for an end spoils nothing.
+  d_.append(line(-1e7, 20.125, 1e7, 20.125, 1));
+  d_.append(line(50.125, -1e7, 50.125, 1e7, 3));
+  auto* c = new AcDbCircle(AcGePoint3d(25.125, 60.125 - 1e7, 0), AcGeVector3d::kZAxis, 1e7);
+  c->setColorIndex(5);
+  d_.append(c);
+  d_.append(line(std::nan(""), 0, 10, 10, 1));
+  render();
+  EXPECT_EQ(at(10, 20.125), kRed);
+  EXPECT_EQ(at(90, 20.125), kRed);
+  EXPECT_EQ(at(50.125, 5), kGreen);
+  EXPECT_EQ(at(50.125, 70), kGreen);
+  EXPECT_EQ(at(25.125, 60.125), kBlue);
+  EXPECT_EQ(at(25.125, 62), kWhite);
+  EXPECT_EQ(at(75, 40), kWhite);
+}
+
 TEST_F(Picture, TextStandsOnItsBaselineAtItsHeight) {
   // Capitals 10 high from (10, 20): the ink is 10 high and as wide as the
   // font measures.
