@@ -1,6 +1,8 @@
 #include "host/render/scene.h"
 
+#include <algorithm>
 #include <memory>
+#include <vector>
 
 #include "host/db/memfiler.h"
 #include "host/dbents.h"
@@ -13,8 +15,15 @@ namespace zepk::render {
 
 namespace {
 
-// Blocks nest at most this deep; a block that holds itself stops there.
+// Blocks nest at most this deep.
 constexpr int kMaxDepth = 32;
+// No picture draws more entities than this (references to blocks of
+// references multiply): the rest is left out rather than never finished.
+constexpr long kMaxEntities = 20000000;
+
+// The blocks being drawn, outermost first: a block that holds itself,
+// directly or further down, is not entered again.
+thread_local std::vector<AcDbObjectId> drawing;
 
 void setTraits(const AcDbEntity* e, Sink& s) {
   s.setLayer(e->layerId());
@@ -26,6 +35,11 @@ void setTraits(const AcDbEntity* e, Sink& s) {
 }
 
 void drawBlockEntities(AcDbObjectId blockId, Sink& s, int depth) {
+  if (std::find(drawing.begin(), drawing.end(), blockId) != drawing.end()) return;
+  drawing.push_back(blockId);
+  struct Leave {
+    ~Leave() { drawing.pop_back(); }
+  } leave;
   AcDbBlockTableRecord* rec = nullptr;
   if (acdbOpenObject(rec, blockId, AcDb::kForRead) != Acad::eOk) return;
   AcDbObjectIdArray ids = rec->entityIds();
@@ -107,6 +121,7 @@ bool drawDimensionBlock(const AcDbProxyEntity* p, Sink& s, int depth) {
 
 void drawEntity(AcDbEntity* e, Sink& s, int depth) {
   if (!e || e->visibility() == AcDb::kInvisible) return;
+  if (++s.entitiesDrawn > kMaxEntities) return;
   setTraits(e, s);
   if (const AcDbBlockReference* r = AcDbBlockReference::cast(e)) {
     // A reference on a layer that is off still shows its entities of

@@ -153,6 +153,8 @@ class Sink : public AcGiWorldDraw, public AcGiWorldGeometry, public AcGiSubEntit
   // relative to it, infinite lines drawn across it).
   double viewHeight = 1.0;
   double viewCenterX = 0.0, viewCenterY = 0.0;
+  // How many entities have been drawn (nested ones counted each time).
+  long entitiesDrawn = 0;
 
  protected:
   // The output: a path stroked with the style, or filled (closed

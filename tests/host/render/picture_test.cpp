@@ -244,6 +244,23 @@ TEST_F(Picture, BlocksByBlockNestedAndInGrids) {
     for (double y : {40.125, 60.125}) EXPECT_EQ(at(x, y), kBlue) << x << "," << y;
 }
 
+TEST_F(Picture, BlocksThatHoldThemselvesStillFinish) {
+  // A holds a line and itself twice over; B and C hold each other. Each
+  // is drawn once down the chain and the picture is made.
+  AcDbObjectId a = d_.block(u"A"), b = d_.block(u"B"), c = d_.block(u"C");
+  d_.append(line(0, 0.125, 10, 0.125, 1), a);
+  for (int i = 0; i < 2; ++i) {
+    d_.append(new AcDbBlockReference(AcGePoint3d(0, 5, 0), a), a);
+    d_.append(new AcDbBlockReference(AcGePoint3d(0, 0, 0), c), b);
+    d_.append(new AcDbBlockReference(AcGePoint3d(0, 0, 0), b), c);
+  }
+  d_.append(new AcDbBlockReference(AcGePoint3d(20, 20, 0), a));
+  d_.append(new AcDbBlockReference(AcGePoint3d(20, 20, 0), b));
+  render();
+  EXPECT_EQ(at(25, 20.125), kRed);
+  EXPECT_EQ(at(25, 25.125), kWhite);  // A inside A is not entered
+}
+
 TEST_F(Picture, WidePolylinesAndHatches) {
   auto* p = new AcDbPolyline;
   p->addVertexAt(0, AcGePoint2d(10, 10), 0, 4, 4);
