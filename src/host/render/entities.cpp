@@ -70,7 +70,10 @@ struct PlanarVertex {
   double bulge = 0, w0 = 0, w1 = 0;
 };
 
-void drawPlanarRun(const std::vector<PlanarVertex>& v, bool closed, const AcGeVector3d& normal, Sink& s) {
+// plinegen: the linetype runs on along the whole polyline; without it the
+// pattern starts again at each vertex, as the host draws polylines.
+void drawPlanarRun(const std::vector<PlanarVertex>& v, bool closed, const AcGeVector3d& normal, Sink& s,
+                   bool plinegen = true) {
   size_t n = v.size();
   if (n == 0) return;
   if (n == 1) {
@@ -112,7 +115,7 @@ void drawPlanarRun(const std::vector<PlanarVertex>& v, bool closed, const AcGeVe
       if (i < outlines.size() && !outlines[i].empty()) continue;
       std::vector<PlanarVertex> one = {v[i], v[(i + 1) % n]};
       for (PlanarVertex& x : one) x.w0 = x.w1 = 0;
-      drawPlanarRun(one, false, normal, s);
+      drawPlanarRun(one, false, normal, s, plinegen);
     }
     return;
   }
@@ -128,6 +131,7 @@ void drawPlanarRun(const std::vector<PlanarVertex>& v, bool closed, const AcGeVe
     const AcGePoint3d& b = v[(i + 1) % n].p;
     double bulge = v[i].bulge;
     if (bulge == 0 || !std::isfinite(bulge) || a.isEqualTo(b)) {
+      if (!plinegen) flush();
       if (run.empty()) run.push_back(a);
       run.push_back(b);
       continue;
@@ -156,7 +160,7 @@ void drawLwPolyline(const AcDbPolyline* p, Sink& s) {
     v[i].w0 = w0 >= 0 ? w0 : cw;
     v[i].w1 = w1 >= 0 ? w1 : cw;
   }
-  drawPlanarRun(v, p->isClosed(), p->normal(), s);
+  drawPlanarRun(v, p->isClosed(), p->normal(), s, p->hasPlinegen());
 }
 
 void draw2dPolyline(const AcDb2dPolyline* p, Sink& s) {
@@ -185,7 +189,7 @@ void draw2dPolyline(const AcDb2dPolyline* p, Sink& s) {
     v.clear();
     for (size_t i = 0; i < pts.size(); ++i) v.push_back({pts[i], i < bulges.size() ? bulges[i] : 0.0, 0, 0});
   }
-  drawPlanarRun(v, p->isClosed(), p->normal(), s);
+  drawPlanarRun(v, p->isClosed(), p->normal(), s, p->isLinetypeGenerationOn());
 }
 
 // Any other curve through its geometry, sampled within the tolerance.

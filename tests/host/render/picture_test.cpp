@@ -319,6 +319,17 @@ TEST_F(Picture, LinetypesAndLineweights) {
   l = line(0, 30.125, 100, 30.125);
   l->setLayer(layer);
   d_.append(l);
+  // A polyline starts the pattern again at each vertex, unless its
+  // linetype runs on along it (plinegen).
+  AcDbObjectId dash64 = dashed(d_.db(), u"DASH64", {6, -4});
+  for (int gen = 0; gen < 2; ++gen) {
+    auto* p = new AcDbPolyline;
+    for (unsigned i = 0; i < 3; ++i) p->addVertexAt(i, AcGePoint2d(i * 7.0, 60.125 + gen * 5));
+    p->setLinetype(dash64);
+    p->setColorIndex(1);
+    p->setPlinegen(gen == 1);
+    d_.append(p);
+  }
   // A heavy line: 2.11 mm is eight pixels at 96 to the inch.
   l = line(10, 50, 90, 50, 3);
   l->setLineWeight(AcDb::kLnWt211);
@@ -332,6 +343,10 @@ TEST_F(Picture, LinetypesAndLineweights) {
   EXPECT_EQ(at(25, 20.125), kRed);
   EXPECT_EQ(at(2.5, 30.125), kBlue);
   EXPECT_EQ(at(7.5, 30.125), kWhite);
+  EXPECT_EQ(at(7.5, 60.125), kRed);     // the second segment starts with a dash
+  EXPECT_EQ(at(6.5, 60.125), kWhite);
+  EXPECT_EQ(at(7.5, 65.125), kWhite);   // along the whole: still the gap from 6 to 10
+  EXPECT_EQ(at(10.5, 65.125), kRed);
   EXPECT_EQ(at(50, 50.8), kGreen);
   EXPECT_EQ(at(50, 49.2), kGreen);
   EXPECT_EQ(at(50, 51.5), kWhite);
