@@ -95,6 +95,22 @@ void drawMText(const AcDbMText* t, Sink& s) {
   double box = t->width() > 0 ? t->width() : lay.width;
   AcGePoint3d topLeft = t->location() - x * (box * column / 2.0) + y * (lay.height * row / 2.0);
   AcCmEntityColor was = s.trueColor();
+  if (t->backgroundFillOn()) {
+    // The mask behind the text: its box grown by the border factor, in
+    // the colour given or in the background's.
+    double m = (t->backgroundScaleFactor() > 1 ? t->backgroundScaleFactor() - 1 : 0) * h / 2;
+    AcGePoint3d c0 = topLeft - x * m + y * m, c2 = topLeft + x * (box + m) - y * (lay.height + m);
+    AcGePoint3d corners[4] = {c0, c0 + x * (box + 2 * m), c2, c2 - x * (box + 2 * m)};
+    AcCmEntityColor fill;
+    if (t->useBackgroundColorOn()) fill.setColorMethod(AcCmEntityColor::kNone);
+    else fill = t->backgroundFillColor();
+    s.setTrueColor(fill);
+    AcGiFillType type = s.fillType();
+    s.setFillType(kAcGiFillAlways);
+    s.polygon(4, corners);
+    s.setFillType(type);
+    s.setTrueColor(was);
+  }
   for (const MTextRun& r : lay.runs) {
     if (r.trueColor >= 0) {
       AcCmEntityColor c;

@@ -446,6 +446,35 @@ TEST_F(Picture, MTextWrapsAroundItsAttachmentPoint) {
   EXPECT_TRUE(red);
 }
 
+TEST_F(Picture, MTextMasksWhatIsBehindIt) {
+  // A green line under an mtext with a mask in the background colour: the
+  // line shows outside the box (grown by half the height each way at
+  // factor 2) and not inside; a mask in its own colour, blue.
+  d_.append(line(0, 40.125, 100, 40.125, 3));
+  for (int own = 0; own < 2; ++own) {
+    auto* m = new AcDbMText;
+    m->setLocation(AcGePoint3d(20 + own * 40, 42, 0));
+    m->setTextHeight(4);
+    m->setWidth(20);
+    m->setContents(u"HH");
+    m->setBackgroundFill(true);
+    m->setBackgroundScaleFactor(2);
+    if (own) {
+      AcCmColor c;
+      c.setColorIndex(5);
+      m->setBackgroundFillColor(c);
+    } else {
+      m->setUseBackgroundColor(true);
+    }
+    d_.append(m);
+  }
+  render();
+  EXPECT_EQ(at(10, 40.125), kGreen);
+  EXPECT_EQ(at(30, 40.125), kWhite);  // masked: the box reaches down to 42 - 4 - 2
+  EXPECT_EQ(at(45, 40.125), kGreen);
+  EXPECT_EQ(at(70, 40.125), kBlue);
+}
+
 TEST_F(Picture, FilesOfEachFormatAndFailuresLeaveNothing) {
   d_.append(line(0, 0, 10, 10, 1));
   std::string error;
