@@ -6,6 +6,7 @@
 #include "frame/functable.h"
 
 #include "frame/callbacks.h"
+#include "drawing/lisp.h"
 #include "frame/input.h"
 #include "geometry/lisp.h"
 #include "services/lisp.h"
@@ -376,19 +377,19 @@ constexpr FunctionRow kRows[kFunctionCount] = {
     {u"ZEPK-Image-Import", nullptr, F25, ""},
     {u"ZEPK-Image-Resize", nullptr, F25, ""},
     {u"ZEPK-Make-Wipeout", nullptr, F26, ""},
-    {u"C:UNL", nullptr, F26, ""},
+    {u"C:UNL", drawing::lispLayerUnLockAll, F26, "command: unlocks every layer; T"},
     {u"ZEPK-Make-Lines", nullptr, F26, ""},
     {u"ZEPK-Make-Line", nullptr, F26, ""},
     {u"ZEPK-Make-Circle", nullptr, F26, ""},
     {u"ZEPK-Make-Arc", nullptr, F26, ""},
-    {u"ZEPK-Layer-UnLockAll", nullptr, F26, ""},
-    {u"ZEPK-Layer-On", nullptr, F26, ""},
-    {u"ZEPK-Layer-Lock", nullptr, F26, ""},
-    {u"ZEPK-Layer-Freeze", nullptr, F26, ""},
-    {u"ZEPK-Layer-OnAll", nullptr, F26, ""},
-    {u"ZEPK-Layer-LockAll", nullptr, F26, ""},
-    {u"ZEPK-Layer-FreezeAll", nullptr, F26, ""},
-    {u"ZEPK-Layer-Make", nullptr, F26, ""},
+    {u"ZEPK-Layer-UnLockAll", drawing::lispLayerUnLockAll, F26, "-> T; unlocks every layer"},
+    {u"ZEPK-Layer-On", drawing::lispLayerOn, F26, "names [nil] -> T; switches the named layers on, or off with a trailing nil"},
+    {u"ZEPK-Layer-Lock", drawing::lispLayerLock, F26, "names [nil] -> T; locks the named layers, or unlocks them with a trailing nil"},
+    {u"ZEPK-Layer-Freeze", drawing::lispLayerFreeze, F26, "names [nil] -> T; freezes the named layers, or thaws them with a trailing nil"},
+    {u"ZEPK-Layer-OnAll", drawing::lispLayerOnAll, F26, "[nil] -> T; switches every layer on, or off with nil"},
+    {u"ZEPK-Layer-LockAll", drawing::lispLayerLockAll, F26, "[nil] -> T; locks every layer, or unlocks with nil"},
+    {u"ZEPK-Layer-FreezeAll", drawing::lispLayerFreezeAll, F26, "[nil] -> T; freezes every layer, or thaws with nil"},
+    {u"ZEPK-Layer-Make", drawing::lispLayerMake, F26, "name [colour] [linetype] [current] -> layer's entity name; makes or updates it, current unless nil or nothing follows"},
     {u"ZEPK-Ent-SwapId", nullptr, F26, ""},
     {u"ZEPK-Ent-GetBox", nullptr, F26, ""},
     {u"ZEPK-Ent-GetBoxAngle", nullptr, F26, ""},

@@ -4,6 +4,7 @@
 // host's own, so that code written for it compiles here unchanged.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 typedef char16_t ACHAR;
@@ -231,6 +232,13 @@ int acdbDictRename(const ads_name dictname, const ACHAR* oldsym, const ACHAR* ne
 // the value's node. Unknown names and refused values give RTERROR.
 int acedGetVar(const ACHAR* sym, resbuf* result);
 int acedSetVar(const ACHAR* sym, const resbuf* val);
+
+// Files along the support path, as LISP's findfile looks for them: a name
+// with a folder is looked for there only; a bare name in the current
+// folder, then in the folders of the support path. The full name goes into
+// result (at most len characters with the terminator). RTERROR when the
+// file is not found or the name does not fit.
+int acedFindFile(const ACHAR* fname, ACHAR* result, size_t len);
 
 // Points between coordinate systems: from and to are RTSHORT 0 (world),
 // 1 (the current UCS), 2 (display, the UCS in this host), an RTENAME

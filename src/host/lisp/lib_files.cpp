@@ -20,6 +20,7 @@
 #include <sstream>
 #include <unordered_map>
 
+#include "host/ads.h"
 #include "host/lisp/files.h"
 #include "host/lisp/interp.h"
 #include "host/lisp/printer.h"
@@ -441,3 +442,12 @@ void registerFiles(Interp& in) {
 }
 
 }  // namespace zepk::lisp
+
+int acedFindFile(const ACHAR* fname, ACHAR* result, size_t len) {
+  if (!fname || !result || len == 0) return RTERROR;
+  std::optional<std::u16string> found = zepk::lisp::findFile(fname);
+  if (!found || found->size() + 1 > len) return RTERROR;
+  std::copy(found->begin(), found->end(), result);
+  result[found->size()] = 0;
+  return RTNORM;
+}
