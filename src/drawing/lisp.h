@@ -15,4 +15,32 @@ int lispLayerLockAll();
 int lispLayerFreezeAll();
 int lispLayerUnLockAll();
 
+// Making entities.
+int lispMakeLine();
+int lispMakeLines();
+int lispMakeCircle();
+int lispMakeArc();
+int lispMakeWipeout();
+int lispDrawText();
+
+// Entities.
+int lispEntGetBox();
+int lispEntGetBoxAngle();
+int lispEntGetBox9Pts();
+int lispEntGetBoxAngle9Pts();
+int lispEntGetGripPoints();
+int lispEntGetStretchPoints();
+int lispEntMatchProp();
+int lispEntAddHyperlinks();
+int lispExplode();
+int lispTransformBy();
+int lispTransformByCopy();
+int lispMoveToTop();
+int lispMoveToBottom();
+int lispMoveAbove();
+int lispMoveBelow();
+int lispSwapOrder();
+int lispSetRelativeDrawOrder();
+int lispGetSortHandle();
+
 }  // namespace zepk::drawing

@@ -4,6 +4,7 @@
 
 #include "geometry/lisp_args.h"
 #include "host/dbapserv.h"
+#include "host/dbents.h"
 
 namespace zepk::drawing {
 
@@ -28,5 +29,14 @@ inline int retT() {
   acedRetT();
   return RSRSLT;
 }
+
+// The box of an entity in the frame turned by angle about the origin: the
+// corners lower left, lower right, upper right, upper left, in world
+// coordinates. False when the entity has no extents.
+bool boxCorners(const AcDbEntity& e, double angle, AcGePoint3d corners[4]);
+// A box as LISP gets it: the lower left and upper right corners, or nine
+// points in reading order from the upper left; rounded to digits decimal
+// places unless digits is negative.
+int retBox(const AcGePoint3d corners[4], bool nine, int digits);
 
 }  // namespace zepk::drawing

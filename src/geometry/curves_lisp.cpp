@@ -113,22 +113,6 @@ int okPoint(Acad::ErrorStatus es, const AcGePoint3d& p) { return es == Acad::eOk
 int okReal(Acad::ErrorStatus es, const double& v) { return es == Acad::eOk ? retReal(v) : retNil(); }
 int okVec(Acad::ErrorStatus es, const AcGeVector3d& v) { return es == Acad::eOk ? retVec(v) : retNil(); }
 
-// A list of points at the cursor (its RTLB): the points, and the cursor
-// past the list's end; false for a member that is no point or a list that
-// does not end.
-bool readPointList(resbuf*& cur, std::vector<AcGePoint3d>& out) {
-  resbuf* p = cur->rbnext;
-  for (; p && p->restype != RTLE; p = p->rbnext) {
-    resbuf* one = p;
-    AcGePoint3d q;
-    if (RbGetPoint3d(&one, q) != RTNORM) return false;
-    out.push_back(q);
-  }
-  if (!p) return false;
-  cur = p->rbnext;
-  return true;
-}
-
 double curveLength(const AcDbCurve& c, bool* ok) {
   double end = 0, len = 0;
   *ok = c.getEndParam(end) == Acad::eOk && c.getDistAtParam(end, len) == Acad::eOk;

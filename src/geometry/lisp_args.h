@@ -28,6 +28,21 @@ inline constexpr Styles kMat{MsgStyle::LineBang, MsgStyle::LineBang};
 inline constexpr Styles kLines{MsgStyle::LineDot, MsgStyle::LineDot};
 inline constexpr Styles kPointLine{MsgStyle::LineEnd, MsgStyle::LineEnd};
 
+// A list of points at cur (cur at its RTLB): the points, cur after the
+// list. False when a member is not a point or the list does not end.
+inline bool readPointList(resbuf*& cur, std::vector<AcGePoint3d>& out) {
+  resbuf* p = cur->rbnext;
+  for (; p && p->restype != RTLE; p = p->rbnext) {
+    resbuf* one = p;
+    AcGePoint3d q;
+    if (RbGetPoint3d(&one, q) != RTNORM) return false;
+    out.push_back(q);
+  }
+  if (!p) return false;
+  cur = p->rbnext;
+  return true;
+}
+
 // Reads the arguments in order; every read returns false after printing.
 class Args {
  public:
@@ -96,6 +111,15 @@ class Args {
     cur_ = p->rbnext;
     return true;
   }
+  // A list of points.
+  bool points(std::vector<AcGePoint3d>& pts) {
+    ++n_;
+    if (!cur_) return frame::failTooFew(s_.count), false;
+    if (cur_->restype != RTLB || !readPointList(cur_, pts)) return frame::failBadArg(s_.position, n_), false;
+    return true;
+  }
+  // A string.
+  bool string(std::u16string& text) { return take(RbGetCString(&cur_, text)); }
   int type() const { return cur_ ? static_cast<int>(cur_->restype) : static_cast<int>(RTNONE); }
   bool end() {
     if (!cur_) return true;

@@ -101,6 +101,8 @@ enum TextVertMode { kTextBase = 0, kTextBottom = 1, kTextVertMid = 2, kTextTop =
   Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;  \
   static const zepk::db::ClassSchema& schema()
 
+class AcDbExtents;
+
 class AcDbEntity : public AcDbObject {
  public:
   ACRX_DECLARE_MEMBERS(AcDbEntity);
@@ -183,6 +185,13 @@ class AcDbEntity : public AcDbObject {
 
   virtual Acad::ErrorStatus getGripPoints(std::vector<AcGePoint3d>& gripPoints) const;
   virtual Acad::ErrorStatus getStretchPoints(std::vector<AcGePoint3d>& stretchPoints) const;
+
+  // The box of what the entity shows, in world coordinates: curves exactly
+  // (curves override it), block references by what their definitions show
+  // (attributes included), texts by their measured lines, hatches by their
+  // loops, points, faces and solids by their points. eNotApplicable for
+  // kinds with nothing to measure and for an empty one.
+  virtual Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const;
 
   // An entity on a locked layer refuses to be opened for write.
   Acad::ErrorStatus checkWriteOpen() const override;
@@ -355,7 +364,7 @@ class AcDbCurve : public AcDbEntity {
   virtual Acad::ErrorStatus intersectWith(const AcDbEntity* pEnt, AcDb::Intersect intType,
                                           AcGePoint3dArray& points) const;
   // The box of the curve; eNotApplicable for an unbounded curve.
-  virtual Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const;
+  Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
   // The simpler entities the curve is made of (polylines give lines and
   // arcs); eNotApplicable for curves that are already simple.
   virtual Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const;

@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "host/db/dbobjects.h"
+#include "host/db/ents_internal.h"
 #include "host/db/internal.h"
 #include "host/dbdict.h"
 #include "host/dbsymtb.h"
@@ -152,6 +153,7 @@ Acad::ErrorStatus AcDbBlockTableRecord::appendEntityObject(AcDbObjectId& id, AcD
   Acad::ErrorStatus es = db->addAcDbObject(id, entity);
   if (es != Acad::eOk) return es;
   entity->setOwnerId(objectId());
+  zepk::db::EntityAccess::setPaperSpace(static_cast<AcDbEntity*>(entity), startsWithFolded(name_, ACDB_PAPER_SPACE));
   assertWriteEnabled();
   entities_.push_back(id);
   return Acad::eOk;

@@ -320,6 +320,8 @@ struct EntityAccess {
   // Resolves names kept while the entity had no database (layer,
   // linetype, text style, block).
   static void resolveNames(AcDbEntity* e);
+  // Marks the entity as one of paper space (group 67) or not.
+  static void setPaperSpace(AcDbEntity* e, bool on) { e->paperSpace_ = on ? 1 : 0; }
 };
 
 // Appends (index -1) or inserts a sub-entity; in a database the sub-entity

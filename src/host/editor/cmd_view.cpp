@@ -10,7 +10,6 @@
 
 #include "host/dbents.h"
 #include "host/dbmtext.h"
-#include "host/db/textmetrics.h"
 #include "host/dbsymtb.h"
 #include "host/editor/cmd_common.h"
 #include "host/editor/commands.h"
@@ -67,64 +66,12 @@ View viewOf(const AcDbExtents& box) {
   return v;
 }
 
-// Grows the box by an entity: curves by their own extents, block
-// references by what they show, texts and the rest by their points.
-void addExtents(const AcDbEntity* e, AcDbExtents& box, bool& any, int depth = 0) {
-  auto add = [&](const AcGePoint3d& p) {
-    if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z)) return;
-    box.addPoint(p);
-    any = true;
-  };
-  if (const AcDbCurve* c = AcDbCurve::cast(e)) {
-    AcDbExtents x;
-    if (c->getGeomExtents(x) == Acad::eOk) {
-      add(x.minPoint());
-      add(x.maxPoint());
-    }
-    return;
-  }
-  if (const AcDbBlockReference* r = AcDbBlockReference::cast(e)) {
-    if (depth > 16) return;
-    AcDbVoidPtrArray pieces;
-    if (r->explode(pieces) == Acad::eOk) {
-      for (void* p : pieces) {
-        std::unique_ptr<AcDbEntity> piece(static_cast<AcDbEntity*>(p));
-        addExtents(piece.get(), box, any, depth + 1);
-      }
-    } else {
-      add(r->position());
-    }
-    return;
-  }
-  if (const AcDbText* t = AcDbText::cast(e)) {
-    AcGePoint3d p = t->position();
-    double len = db::textWidth(t->textString(), t->height()) * t->widthFactor();
-    add(p);
-    add(AcGePoint3d(p.x + len * std::cos(t->rotation()) - t->height() * std::sin(t->rotation()),
-                    p.y + len * std::sin(t->rotation()) + t->height() * std::cos(t->rotation()), p.z));
-    return;
-  }
-  if (const AcDbMText* m = AcDbMText::cast(e)) {
-    add(m->location());
-    return;
-  }
-  if (const AcDbPoint* p = AcDbPoint::cast(e)) {
-    add(p->position());
-    return;
-  }
-  if (const AcDbFace* f = AcDbFace::cast(e)) {
-    for (Adesk::UInt16 i = 0; i < 4; ++i) {
-      AcGePoint3d q;
-      if (f->getVertexAt(i, q) == Acad::eOk) add(q);
-    }
-    return;
-  }
-  if (const AcDbSolid* s = AcDbSolid::cast(e)) {
-    for (Adesk::UInt16 i = 0; i < 4; ++i) {
-      AcGePoint3d q;
-      if (s->getPointAt(i, q) == Acad::eOk) add(q);
-    }
-  }
+// Grows the box by an entity's extents.
+void addExtents(const AcDbEntity* e, AcDbExtents& box, bool& any) {
+  AcDbExtents x;
+  if (e->getGeomExtents(x) != Acad::eOk) return;
+  box.addExt(x);
+  any = true;
 }
 
 // The extents of model space; false for an empty drawing.
