@@ -157,9 +157,10 @@ Acad::ErrorStatus makeArc3P(AcDbObjectId& id, const AcGePoint3d& p1, const AcGeP
   double r = 0;
   if (!circleThrough(p1, p2, p3, c, r)) return Acad::eInvalidInput;
   double a1 = std::atan2(p1.y - c.y, p1.x - c.x), a3 = std::atan2(p3.y - c.y, p3.x - c.x);
-  // Counter-clockwise when the middle point lies to the left of p1 -> p3.
+  // The points turn counter-clockwise (p1, p2, p3 in that sense) when the
+  // arc through them runs counter-clockwise from p1 to p3.
   double turn = (p2.x - p1.x) * (p3.y - p1.y) - (p2.y - p1.y) * (p3.x - p1.x);
-  bool ccw = turn < 0;
+  bool ccw = turn > 0;
   return makeArc(id, c, r, ccw ? a1 : a3, ccw ? a3 : a1, db, space);
 }
 

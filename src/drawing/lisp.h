@@ -43,4 +43,15 @@ int lispSwapOrder();
 int lispSetRelativeDrawOrder();
 int lispGetSortHandle();
 
+// Selection sets and groups.
+int lispPickSetGetBox();
+int lispPickSetToList();
+int lispListToPickSet();
+int lispSsUnion();
+int lispSsSub();
+int lispSsFree();
+int lispGroupMake();
+int lispGroupAddTo();
+int lispGroupRemove();
+
 }  // namespace zepk::drawing

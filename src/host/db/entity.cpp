@@ -6,6 +6,8 @@
 #include <map>
 
 #include "host/db/ents_internal.h"
+#include "host/db/internal.h"
+#include "host/dbheader.h"
 #include "host/dbelipse.h"
 #include "host/dbents.h"
 #include "host/dbhatch.h"
@@ -1108,6 +1110,36 @@ void AcDbEntity::setDatabaseDefaults(AcDbDatabase* pDb, bool doSubents) {
   fileColorIndex_ = -1;
   linetypeScale_ = 1.0;
   lineWeight_ = AcDb::kLnWtByLayer;
+  // The drawing's current layer, linetype, colour, linetype scale and
+  // weight, where it has them.
+  zepk::db::DxfItem v;
+  if (db && zepk::db::getHeaderVar(db, u"$CLAYER", &v) && v.kind == zepk::db::DxfItem::String) {
+    AcDbObjectId id = zepk::db::layerIdByName(db, v.s);
+    if (!id.isNull()) {
+      layerId_ = id;
+      layerName_ = v.s;
+    }
+  }
+  if (db && zepk::db::getHeaderVar(db, u"$CELTYPE", &v) && v.kind == zepk::db::DxfItem::String) {
+    AcDbObjectId id = zepk::db::linetypeIdByName(db, v.s);
+    if (!id.isNull()) {
+      linetypeId_ = id;
+      linetypeName_ = v.s;
+    }
+  }
+  if (db && zepk::db::getHeaderVar(db, u"$CECOLOR", &v) && v.kind == zepk::db::DxfItem::Int) {
+    if (v.i == 0) {
+      color_.setByBlock();
+    } else if (v.i >= 1 && v.i <= 255) {
+      color_.setColorIndex(static_cast<Adesk::UInt16>(v.i));
+    }
+  }
+  if (db && zepk::db::getHeaderVar(db, u"$CELTSCALE", &v) && v.kind == zepk::db::DxfItem::Real && v.p[0] > 0) {
+    linetypeScale_ = v.p[0];
+  }
+  if (db && zepk::db::getHeaderVar(db, u"$CELWEIGHT", &v) && v.kind == zepk::db::DxfItem::Int) {
+    lineWeight_ = static_cast<int16_t>(v.i);
+  }
   visibility_ = 0;
   transparency_ = 0;
   subSetDatabaseDefaults(db);
