@@ -54,4 +54,10 @@ int lispGroupMake();
 int lispGroupAddTo();
 int lispGroupRemove();
 
+// Texts and variables.
+int lispTextGetBox();
+int lispTextGetBox9Pts();
+int lispTextToMText();
+int lispDocGetVar();
+
 }  // namespace zepk::drawing
