@@ -60,4 +60,12 @@ int lispTextGetBox9Pts();
 int lispTextToMText();
 int lispDocGetVar();
 
+// Hatches.
+int lispHatchGetLoop();
+int lispHatchAppendLoop();
+
+// Commands.
+void cmdHatchBoundary();
+void cmdHatchLoop();
+
 }  // namespace zepk::drawing

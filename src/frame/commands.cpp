@@ -4,6 +4,7 @@
 // not built yet has no function and is not registered.
 #include "frame/commands.h"
 
+#include "drawing/lisp.h"
 #include "frame/callbacks.h"
 #include "frame/smallcmds.h"
 
@@ -76,7 +77,7 @@ const CommandRow kTable2[] = {
     {u"ZEPK_ADDENTITY_COMMANDS", u"AddCircle", u"AddCircle", 1, cmdAddCircle, "Small commands", "circle by centre and radius, then by two diameter points"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"TTxx", u"TTxx", 1, nullptr, "Small commands", "test: sorts and prints arc angles"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"PJion", u"PJion", 1, nullptr, "Joining", "joins curves"},
-    {u"ZEPK_ADDENTITY_COMMANDS", u"ZK_HATCHB", u"ZK_HB", 1, nullptr, "Entities, layers and documents", "boundary of a hatch"},
+    {u"ZEPK_ADDENTITY_COMMANDS", u"ZK_HATCHB", u"ZK_HB", 1, drawing::cmdHatchBoundary, "Entities, layers and documents", "boundary of a hatch"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"ZKUCS", u"ZKUCS", 1, nullptr, "Entities, layers and documents", "makes a named coordinate system from three points"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"2dPl", u"2dPl", 1, nullptr, "Entities, layers and documents", "two-dimensional polyline by type"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"ss2blk", u"ss2blk", 1, nullptr, "Blocks, attributes and extended data", "selection to a block"},
@@ -96,7 +97,7 @@ const CommandRow kTable2[] = {
     {u"ZEPK_ADDENTITY_COMMANDS", u"TOUPU", u"TOPU", 1, nullptr, "Topology polygons", "builds polygons (the second registration of the name, which changes nothing)"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"ZKBPOLY", u"BP", 1, nullptr, "Topology polygons", "boundary polygon at a point"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"TOUPUOUT", u"TOPUOUT", 1, nullptr, "Topology polygons", "outer polygons"},
-    {u"ZEPK_ADDENTITY_COMMANDS", u"_HATCHLOOP", u"HATCHLOOP", 1, nullptr, "Entities, layers and documents", "loops of a hatch as objects"},
+    {u"ZEPK_ADDENTITY_COMMANDS", u"_HATCHLOOP", u"HATCHLOOP", 1, drawing::cmdHatchLoop, "Entities, layers and documents", "loops of a hatch as objects"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"_HATCHASSOC", u"HATCHASSOC", 1, nullptr, "Entities, layers and documents", "makes a hatch associative"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"_BoundaryClip", u"BCLIP", 1, nullptr, "Block clipping", "boundary clip"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"SPLINEJION", u"SPLJION", 1, nullptr, "Joining", "joins splines"},

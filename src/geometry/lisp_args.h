@@ -62,6 +62,8 @@ class Args {
     return take(RbGetMatrix(&cur_, m.entry));
   }
   bool more() const { return cur_ != nullptr; }
+  // The next argument's node, null after the last.
+  const resbuf* peek() const { return cur_; }
   // Whether the next argument is a point or vector, or a number.
   bool nextIsPoint() const {
     int t = type();

@@ -1,5 +1,5 @@
 ; Selection sets and groups for LISP.
-(setq a (ZEPK-Make-Line '(0 0) '(10 0)) b (ZEPK-Make-Circle '(20 0) 2.0) c (ZEPK-Make-Line '(0 5) '(3 8)))
+(type (setq a (ZEPK-Make-Line '(0 0) '(10 0)) b (ZEPK-Make-Circle '(20 0) 2.0) c (ZEPK-Make-Line '(0 5) '(3 8))))
 (setq s1 (ZEPK-List->PickSet (list a b)) s2 (ZEPK-List->PickSet (list b c)))
 (type s1)
 (sslength s1)
