@@ -64,7 +64,14 @@ int lispDocGetVar();
 int lispHatchGetLoop();
 int lispHatchAppendLoop();
 
+// Documents.
+int lispDocWBlock();
+int lispDocInsert();
+
 // Commands.
+void cmdMyWblock();
+void cmdZkUcs();
+void cmdMtbgf();
 void cmdHatchBoundary();
 void cmdHatchLoop();
 

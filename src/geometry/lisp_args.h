@@ -121,7 +121,10 @@ class Args {
     return true;
   }
   // A string.
-  bool string(std::u16string& text) { return take(RbGetCString(&cur_, text)); }
+  bool string(std::u16string& text) {
+    if (cur_ && cur_->restype != RTSTR) return frame::failBadArg(s_.position, ++n_), false;
+    return take(RbGetCString(&cur_, text));
+  }
   int type() const { return cur_ ? static_cast<int>(cur_->restype) : static_cast<int>(RTNONE); }
   bool end() {
     if (!cur_) return true;
