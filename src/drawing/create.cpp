@@ -111,6 +111,17 @@ Acad::ErrorStatus appendToSpace(AcDbEntity* entity, AcDbObjectId& id, AcDbDataba
   return es;
 }
 
+Acad::ErrorStatus appendToOwner(AcDbEntity* entity, AcDbObjectId owner, AcDbObjectId& id) {
+  id = AcDbObjectId::kNull;
+  if (!entity) return Acad::eNullObjectPointer;
+  AcDbObjectPointer<AcDbBlockTableRecord> record(owner, AcDb::kForWrite);
+  Acad::ErrorStatus es = record.openStatus();
+  if (es == Acad::eOk) es = record->appendAcDbEntity(id, entity);
+  release(entity);
+  if (es != Acad::eOk) id = AcDbObjectId::kNull;
+  return es;
+}
+
 Acad::ErrorStatus appendToSpace(AcDbEntity* entity, AcDbDatabase* db, Space space) {
   AcDbObjectId id;
   return appendToSpace(entity, id, db, space);
@@ -164,26 +175,29 @@ Acad::ErrorStatus makeArc3P(AcDbObjectId& id, const AcGePoint3d& p1, const AcGeP
   return makeArc(id, c, r, ccw ? a1 : a3, ccw ? a3 : a1, db, space);
 }
 
+AcDbPolyline* newLwPolyline(const PolylineData& d) {
+  auto at = [](const std::vector<double>& v, size_t i) { return i < v.size() ? v[i] : 0.0; };
+  auto* pl = new AcDbPolyline(static_cast<unsigned>(d.points.size()));
+  for (size_t i = 0; i < d.points.size(); ++i) {
+    pl->addVertexAt(static_cast<unsigned>(i), AcGePoint2d(d.points[i].x, d.points[i].y), at(d.bulges, i),
+                    at(d.startWidths, i), at(d.endWidths, i));
+  }
+  if (!d.points.empty()) pl->setElevation(d.points[0].z);
+  pl->setClosed(d.closed);
+  return pl;
+}
+
 Acad::ErrorStatus makePolyline(AcDbObjectId& id, const PolylineData& d, PolyKind kind, AcDbDatabase* db,
                                Space space) {
   id = AcDbObjectId::kNull;
   size_t n = d.points.size();
   if (n < 2) return Acad::eInvalidInput;
-  auto at = [](const std::vector<double>& v, size_t i) { return i < v.size() ? v[i] : 0.0; };
-  if (kind == PolyKind::kLight) {
-    auto* pl = new AcDbPolyline(static_cast<unsigned>(n));
-    for (size_t i = 0; i < n; ++i) {
-      pl->addVertexAt(static_cast<unsigned>(i), AcGePoint2d(d.points[i].x, d.points[i].y), at(d.bulges, i),
-                      at(d.startWidths, i), at(d.endWidths, i));
-    }
-    pl->setElevation(d.points[0].z);
-    pl->setClosed(d.closed);
-    return appendToSpace(pl, id, db, space);
-  }
+  if (kind == PolyKind::kLight) return appendToSpace(newLwPolyline(d), id, db, space);
   AcGePoint3dArray pts(d.points.begin(), d.points.end());
   if (kind == PolyKind::k3d) {
     return appendToSpace(new AcDb3dPolyline(AcDb::k3dSimplePoly, pts, d.closed), id, db, space);
   }
+  auto at = [](const std::vector<double>& v, size_t i) { return i < v.size() ? v[i] : 0.0; };
   auto* pl = new AcDb2dPolyline();
   for (size_t i = 0; i < n; ++i) {
     pl->appendVertex(new AcDb2dVertex(AcGePoint3d(d.points[i].x, d.points[i].y, 0.0), at(d.bulges, i),

@@ -16,6 +16,7 @@
 #include "host/dbents.h"
 #include "host/dbhatch.h"
 #include "host/dbmain.h"
+#include "host/dbpl.h"
 #include "host/gepnt3d.h"
 
 namespace zepk::drawing {
@@ -34,6 +35,10 @@ Acad::ErrorStatus appendToSpace(AcDbEntity* entity, AcDbObjectId& id, AcDbDataba
                                 Space space = Space::kByTileMode);
 Acad::ErrorStatus appendToSpace(AcDbEntity* entity, AcDbDatabase* db = nullptr, Space space = Space::kByTileMode);
 
+// Appends the entity to the block record that owns another (the space an
+// entity made from it belongs in).
+Acad::ErrorStatus appendToOwner(AcDbEntity* entity, AcDbObjectId owner, AcDbObjectId& id);
+
 // A polyline's data: one bulge and one pair of widths per vertex, or none.
 struct PolylineData {
   std::vector<AcGePoint3d> points;
@@ -42,6 +47,10 @@ struct PolylineData {
   std::vector<double> endWidths;
   bool closed = false;
 };
+
+// A new lightweight polyline of the data (in no drawing; the caller owns
+// it), at the elevation of the first point.
+AcDbPolyline* newLwPolyline(const PolylineData& data);
 
 // The kinds of polyline a drawing holds.
 enum class PolyKind { kLight, k2d, k3d };

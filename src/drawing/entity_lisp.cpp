@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "drawing/create.h"
 #include "drawing/lisp.h"
 #include "drawing/lisp_common.h"
 #include "host/dbsymtb.h"
@@ -129,14 +130,8 @@ int transform(bool copy) {
     AcDbEntity* c = nullptr;
     if (e->getTransformedCopy(m, c) != Acad::eOk || !c) continue;
     c->setPropertiesFrom(e.object());
-    AcDbObjectPointer<AcDbBlockTableRecord> owner(e->ownerId(), AcDb::kForWrite);
     AcDbObjectId cid;
-    if (owner.openStatus() != Acad::eOk || owner->appendAcDbEntity(cid, c) != Acad::eOk) {
-      delete c;
-      continue;
-    }
-    c->close();
-    made.push_back(cid);
+    if (appendToOwner(c, e->ownerId(), cid) == Acad::eOk) made.push_back(cid);
   }
   if (!copy) return made.empty() ? retNil() : retT();
   return made.empty() ? retNil() : frame::retList(RbFromObjectIds(made));
@@ -224,17 +219,10 @@ int lispExplode() {
     for (void* p : parts) delete static_cast<AcDbEntity*>(p);
     return retNil();
   }
-  AcDbObjectPointer<AcDbBlockTableRecord> owner(e->ownerId(), AcDb::kForWrite);
   std::vector<AcDbObjectId> made;
   for (void* p : parts) {
-    auto* part = static_cast<AcDbEntity*>(p);
     AcDbObjectId pid;
-    if (owner.openStatus() != Acad::eOk || owner->appendAcDbEntity(pid, part) != Acad::eOk) {
-      delete part;
-      continue;
-    }
-    part->close();
-    made.push_back(pid);
+    if (appendToOwner(static_cast<AcDbEntity*>(p), e->ownerId(), pid) == Acad::eOk) made.push_back(pid);
   }
   if (erase && !made.empty()) e->erase();
   return made.empty() ? retNil() : frame::retList(RbFromObjectIds(made));

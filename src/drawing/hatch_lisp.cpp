@@ -32,26 +32,12 @@ bool openHatch(AcDbObjectId id, AcDbObjectPointer<AcDbHatch>& h, AcDb::OpenMode 
 std::vector<AcDbObjectId> loopsAsPolylines(const AcDbHatch& h, int only = -1) {
   std::vector<AcDbObjectId> made;
   std::vector<PolylineData> loops = hatchLoops(h);
-  AcDbObjectPointer<AcDbBlockTableRecord> owner(h.ownerId(), AcDb::kForWrite);
-  if (owner.openStatus() != Acad::eOk) return made;
   for (size_t i = 0; i < loops.size(); ++i) {
     if (only >= 0 && static_cast<int>(i) != only) continue;
-    const PolylineData& d = loops[i];
-    auto* pl = new AcDbPolyline(static_cast<unsigned>(d.points.size()));
-    for (size_t k = 0; k < d.points.size(); ++k) {
-      pl->addVertexAt(static_cast<unsigned>(k), AcGePoint2d(d.points[k].x, d.points[k].y),
-                      k < d.bulges.size() ? d.bulges[k] : 0.0);
-    }
-    pl->setElevation(d.points[0].z);
-    pl->setClosed(true);
+    AcDbPolyline* pl = newLwPolyline(loops[i]);
     pl->setPropertiesFrom(&h);
     AcDbObjectId id;
-    if (owner->appendAcDbEntity(id, pl) != Acad::eOk) {
-      delete pl;
-      continue;
-    }
-    pl->close();
-    made.push_back(id);
+    if (appendToOwner(pl, h.ownerId(), id) == Acad::eOk) made.push_back(id);
   }
   return made;
 }

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "drawing/create.h"
 #include "drawing/lisp.h"
 #include "drawing/lisp_common.h"
 #include "host/dbmtext.h"
@@ -65,13 +66,8 @@ int lispTextToMText() {
   m->setTextHeight(t->height());
   m->setRotation(t->rotation());
   m->setContents(t->textString().c_str());
-  AcDbObjectPointer<AcDbBlockTableRecord> owner(t->ownerId(), AcDb::kForWrite);
   AcDbObjectId made;
-  if (owner.openStatus() != Acad::eOk || owner->appendAcDbEntity(made, m) != Acad::eOk) {
-    delete m;
-    return frame::fail(u"\n打开对象失败!"), RTERROR;
-  }
-  m->close();
+  if (appendToOwner(m, t->ownerId(), made) != Acad::eOk) return frame::fail(u"\n打开对象失败!"), RTERROR;
   t->erase();
   return retName(made);
 }
