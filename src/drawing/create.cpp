@@ -93,22 +93,16 @@ Acad::ErrorStatus appendToSpace(AcDbEntity* entity, AcDbObjectId& id, AcDbDataba
   if (entity->objectId().isNull()) entity->setDatabaseDefaults(db);
   AcDbBlockTable* table = nullptr;
   Acad::ErrorStatus es = db->getBlockTable(table, AcDb::kForRead);
+  AcDbObjectId spaceId;
+  if (es == Acad::eOk) {
+    es = table->getAt(spaceName(space), spaceId);
+    table->close();
+  }
   if (es != Acad::eOk) {
     release(entity);
     return es;
   }
-  AcDbBlockTableRecord* record = nullptr;
-  es = table->getAt(spaceName(space), record, AcDb::kForWrite);
-  table->close();
-  if (es != Acad::eOk) {
-    release(entity);
-    return es;
-  }
-  es = record->appendAcDbEntity(id, entity);
-  record->close();
-  release(entity);
-  if (es != Acad::eOk) id = AcDbObjectId::kNull;
-  return es;
+  return appendToOwner(entity, spaceId, id);
 }
 
 Acad::ErrorStatus appendToOwner(AcDbEntity* entity, AcDbObjectId owner, AcDbObjectId& id) {
