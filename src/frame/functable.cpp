@@ -257,7 +257,7 @@ constexpr FunctionRow kRows[kFunctionCount] = {
     {u"ZEPK-Curve-isPeriodic", geometry::lispCurveIsPeriodic, F8, "curve -> T or nil"},
     {u"ZEPK-Curve->Lwpolyline", geometry::lispCurveToLwpolyline, F8, "curves -> T; each becomes a lightweight polyline in its place"},
     {u"ZEPK-Curve-getUniformPoints", geometry::lispCurveGetUniformPoints, F8, "curve count -> points at equal distances"},
-    {u"ZEPK-Poly-DumpPoint", nullptr, F8, ""},
+    {u"ZEPK-Poly-DumpPoint", geometry::lispPolyDumpPoint, F8, "polyline or selection [tolerance] [collinear] -> T"},
     {u"ZEPK-Poly-RemovePoint", geometry::lispPolyRemovePoint, F8, "polyline index -> T; the vertex removed"},
     {u"ZEPK-Poly-AddVertex", geometry::lispPolyAddVertex, F8, "polyline index point [bulge] -> T"},
     {u"ZEPK-Poly-GetData", geometry::lispPolyGetData, F8, "curve [segments-per-arc] -> ((points) (bulges))"},

@@ -335,3 +335,97 @@ std::vector<LwPoly> chainEdges(std::vector<LwPoly> edges, double tolerance) {
 }
 
 }  // namespace zepk::geometry
+
+namespace zepk::geometry {
+
+namespace {
+
+double dist3d(const Point& a, const Point& b) { return std::sqrt((b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y) + (b.z - a.z) * (b.z - a.z)); }
+
+// Parallel as the host tests it, with the tolerance as the bound on the
+// cross product of the two unit directions; a direction of no length is
+// parallel to nothing.
+bool parallel(const Point& a, const Point& b, const Point& c, const Point& d, double tol) {
+  double ux = b.x - a.x, uy = b.y - a.y, uz = b.z - a.z;
+  double vx = d.x - c.x, vy = d.y - c.y, vz = d.z - c.z;
+  const double lu = std::sqrt(ux * ux + uy * uy + uz * uz), lv = std::sqrt(vx * vx + vy * vy + vz * vz);
+  if (lu <= tol || lv <= tol) return false;
+  ux /= lu, uy /= lu, uz /= lu;
+  vx /= lv, vy /= lv, vz /= lv;
+  const double cx = uy * vz - uz * vy, cy = uz * vx - ux * vz, cz = ux * vy - uy * vx;
+  return std::sqrt(cx * cx + cy * cy + cz * cz) <= tol;
+}
+
+bool straight(double bulge) { return std::fabs(bulge) < kStraightBulge; }
+
+}  // namespace
+
+DumpedVertices dumpVertices(const std::vector<PolyVertex>& verts, bool closed, double tolerance, bool dropCollinear) {
+  DumpedVertices out;
+  out.verts = verts;
+  out.source.resize(verts.size());
+  for (size_t i = 0; i < verts.size(); ++i) out.source[i] = i;
+  std::vector<PolyVertex>& v = out.verts;
+  size_t i = 0;
+  while (v.size() >= 3 && i < v.size()) {
+    const size_t n = v.size();
+    const bool hasNext = closed || i + 1 < n;
+    const bool hasPrev = closed || i > 0;
+    const size_t next = (i + 1) % n, prev = (i + n - 1) % n;
+    bool drop = false;
+    if (hasNext && dist3d(v[i].pt, v[next].pt) <= tolerance) {
+      if (straight(v[next].bulge)) v[next].bulge = v[i].bulge;
+      drop = true;
+    } else if (dropCollinear && hasNext && hasPrev && straight(v[prev].bulge) && straight(v[i].bulge) &&
+               parallel(v[prev].pt, v[i].pt, v[i].pt, v[next].pt, tolerance)) {
+      drop = true;
+    }
+    if (!drop) {
+      ++i;
+      continue;
+    }
+    v.erase(v.begin() + static_cast<std::ptrdiff_t>(i));
+    out.source.erase(out.source.begin() + static_cast<std::ptrdiff_t>(i));
+    // Removing the vertex before the first one of a closed ring shifts nothing
+    // that was already looked at; the walk goes on at the same index.
+  }
+  return out;
+}
+
+LwPoly dumpPoints(const LwPoly& poly, double tolerance, bool dropCollinear) {
+  LwPoly out = poly;
+  out.verts = dumpVertices(poly.verts, poly.closed, tolerance, dropCollinear).verts;
+  return out;
+}
+
+namespace {
+
+bool sameVerts(const std::vector<PolyVertex>& a, const std::vector<PolyVertex>& b, double tol) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (dist3d(a[i].pt, b[i].pt) > tol || std::fabs(a[i].bulge - b[i].bulge) > tol) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool sameCurve(const CurveShape& a, const CurveShape& b, double lengthTolerance, double pointTolerance) {
+  if (a.kind != b.kind || a.closed != b.closed || a.verts.size() != b.verts.size()) return false;
+  if (std::fabs(a.length - b.length) > lengthTolerance) return false;
+  LwPoly fwd;
+  fwd.verts = b.verts;
+  fwd.closed = b.closed;
+  const LwPoly back = reversed(fwd);
+  // A closed curve has no distinguished start: it is the same ring drawn
+  // from any of its vertices.
+  const size_t starts = a.closed ? a.verts.size() : 1;
+  for (size_t k = 0; k < starts; ++k) {
+    if (sameVerts(a.verts, rotatedStart(fwd, k).verts, pointTolerance) ||
+        sameVerts(a.verts, rotatedStart(back, k).verts, pointTolerance))
+      return true;
+  }
+  return false;
+}
+
+}  // namespace zepk::geometry

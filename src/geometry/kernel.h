@@ -123,4 +123,34 @@ std::vector<LwPoly> chainEdges(std::vector<LwPoly> edges, double tolerance);
 // turning sense (positive counter-clockwise).
 double polySignedArea(const LwPoly& poly);
 
+// Vertex dumping: a vertex that repeats the next one within the tolerance
+// goes (its bulge passes to the next one unless that has a bulge of its
+// own); with dropCollinear also a vertex between two straight segments of
+// parallel directions (either way, as the host's parallel test has it). The
+// walk stops when fewer than three vertices are left; a closed polyline
+// wraps round, an open one keeps its end vertices. source[i] is the index
+// in the input of the vertex that verts[i] is.
+struct DumpedVertices {
+  std::vector<PolyVertex> verts;
+  std::vector<size_t> source;
+};
+DumpedVertices dumpVertices(const std::vector<PolyVertex>& verts, bool closed, double tolerance, bool dropCollinear);
+// The same on a polyline: its shape without the dumped vertices.
+LwPoly dumpPoints(const LwPoly& poly, double tolerance, bool dropCollinear);
+
+// A curve as the duplicate test sees it: its kind (the class), its length,
+// its defining points with the bulges of the segments that start at them
+// (none for curves without bulges), and whether it is closed. Two curves
+// are repeats when their kind is the same, their lengths differ by no more
+// than lengthTolerance, and their points (with bulges) agree within
+// pointTolerance either in order or run backwards (a closed curve from any of its
+// vertices).
+struct CurveShape {
+  int kind = 0;
+  double length = 0.0;
+  std::vector<PolyVertex> verts;
+  bool closed = false;
+};
+bool sameCurve(const CurveShape& a, const CurveShape& b, double lengthTolerance, double pointTolerance);
+
 }  // namespace zepk::geometry

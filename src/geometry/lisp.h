@@ -103,5 +103,7 @@ int lispPolyOrderByIndex();
 int lispPointsTransFormBy();
 int lispCurveGetGripPoints();
 int lispCurveGetStretchPoints();
+int lispPolyDumpPoint();
+int lispCurveDumpLine();
 
 }  // namespace zepk::geometry
