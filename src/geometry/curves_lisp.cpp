@@ -12,6 +12,7 @@
 #include "geometry/lisp.h"
 #include "geometry/lisp_args.h"
 #include "host/dbents.h"
+#include "host/dbhatch.h"
 #include "host/dbpl.h"
 #include "host/dbregion.h"
 #include "host/dbspline.h"
@@ -331,7 +332,7 @@ int lispClockWiseP() {
 }
 
 // A list of points (signed area), or one entity: a curve's area, a
-// region's.
+// region's or a hatch's.
 int lispGetArea() {
   resbuf* cur = acedGetArgs();
   if (!cur) return frame::failTooFew(MsgStyle::LineEnd);
@@ -351,6 +352,7 @@ int lispGetArea() {
     return okReal(c->getArea(area), area);
   }
   if (const AcDbRegion* r = AcDbRegion::cast(e.object())) return okReal(r->getArea(area), area);
+  if (const AcDbHatch* h = AcDbHatch::cast(e.object())) return okReal(h->getArea(area), area);
   return frame::failBadArg(MsgStyle::LineEnd);
 }
 

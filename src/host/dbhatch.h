@@ -154,6 +154,13 @@ class AcDbHatch : public AcDbEntity {
   double pixelSize() const { return pixelSize_; }
   Acad::ErrorStatus setPixelSize(double size);
 
+  // The area the hatch fills: its loops nest by containment, and the hatch
+  // style says which levels fill (normal: alternate levels; outer: the
+  // outermost less its first islands; ignore: the outermost only). Loops
+  // marked as duplicates are left out; a loop that does not close is closed
+  // by a chord. Arcs and ellipses count exactly, splines by fine samples.
+  Acad::ErrorStatus getArea(double& area) const;
+
   // Seed points: a point inside each area that was picked to make it.
   int numSeedPoints() const { return static_cast<int>(seeds_.size()); }
   const AcGePoint2dArray& seedPoints() const { return seeds_; }

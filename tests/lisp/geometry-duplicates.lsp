@@ -1,0 +1,92 @@
+; Duplicate removal: repeated vertices of polylines of every kind, and
+; curves that repeat one another.
+(defun verts (e / out)
+  (foreach g (entget e) (if (= (car g) 10) (setq out (cons (cdr g) out))))
+  (reverse out))
+(defun bulges (e / out)
+  (foreach g (entget e) (if (= (car g) 42) (setq out (cons (cdr g) out))))
+  (reverse out))
+(setq pl (entmakex '((0 . "LWPOLYLINE") (100 . "AcDbEntity") (100 . "AcDbPolyline") (90 . 7) (70 . 1)
+                     (10 0.0 0.0) (42 . 0.0) (10 5.0 0.0) (42 . 0.0) (10 10.0 0.0) (42 . 0.5)
+                     (10 10.000001 0.0) (42 . 0.0) (10 10.0 10.0) (42 . 0.0) (10 0.0 10.0) (42 . 0.0)
+                     (10 0.0 0.0) (42 . 0.0))))
+; Repeats go (the closing copy of the start too), the arc stays.
+(ZEPK-Poly-DumpPoint pl)
+(verts pl)
+(bulges pl)
+; With the flag the middle of a straight run goes as well.
+(ZEPK-Poly-DumpPoint pl 1e-5 T)
+(verts pl)
+(bulges pl)
+; A coarser tolerance takes nearer points as repeats.
+(setq p2 (entmakex '((0 . "LWPOLYLINE") (100 . "AcDbEntity") (100 . "AcDbPolyline") (90 . 4) (70 . 0)
+                     (10 0.0 0.0) (10 3.0 4.0) (10 3.05 4.0) (10 9.0 0.0))))
+(ZEPK-Poly-DumpPoint (ssadd p2 (ssadd)) 0.01)
+(verts p2)
+(ZEPK-Poly-DumpPoint (ssadd p2 (ssadd)) 0.1)
+(verts p2)
+; An old-style 3D polyline loses its repeated vertex entity.
+(entmake '((0 . "POLYLINE") (100 . "AcDbEntity") (100 . "AcDb3dPolyline") (70 . 8)))
+(entmake '((0 . "VERTEX") (100 . "AcDbEntity") (100 . "AcDbVertex") (100 . "AcDb3dPolylineVertex") (10 0.0 0.0 1.0) (70 . 32)))
+(entmake '((0 . "VERTEX") (100 . "AcDbEntity") (100 . "AcDbVertex") (100 . "AcDb3dPolylineVertex") (10 4.0 0.0 1.0) (70 . 32)))
+(entmake '((0 . "VERTEX") (100 . "AcDbEntity") (100 . "AcDbVertex") (100 . "AcDb3dPolylineVertex") (10 4.0 0.0 1.0) (70 . 32)))
+(entmake '((0 . "VERTEX") (100 . "AcDbEntity") (100 . "AcDbVertex") (100 . "AcDb3dPolylineVertex") (10 4.0 3.0 2.0) (70 . 32)))
+(entmake '((0 . "SEQEND")))
+(setq p3 (entlast))
+(ZEPK-Poly-DumpPoint p3)
+(ZEPK-Curve-Length p3)
+(ZEPK-Curve-getEndParam p3)
+(ZEPK-Curve-getPointAtParam p3 1.0)
+; An old-style 2D polyline: the repeat that stays takes the arc over.
+(entmake '((0 . "POLYLINE") (100 . "AcDbEntity") (100 . "AcDb2dPolyline") (70 . 1)))
+(entmake '((0 . "VERTEX") (100 . "AcDbEntity") (100 . "AcDbVertex") (100 . "AcDb2dVertex") (10 0.0 0.0 0.0)))
+(entmake '((0 . "VERTEX") (100 . "AcDbEntity") (100 . "AcDbVertex") (100 . "AcDb2dVertex") (10 10.0 0.0 0.0) (42 . 0.5)))
+(entmake '((0 . "VERTEX") (100 . "AcDbEntity") (100 . "AcDbVertex") (100 . "AcDb2dVertex") (10 10.0 0.0 0.0)))
+(entmake '((0 . "VERTEX") (100 . "AcDbEntity") (100 . "AcDbVertex") (100 . "AcDb2dVertex") (10 10.0 10.0 0.0)))
+(entmake '((0 . "VERTEX") (100 . "AcDbEntity") (100 . "AcDbVertex") (100 . "AcDb2dVertex") (10 0.0 0.0 0.0)))
+(entmake '((0 . "SEQEND")))
+(setq p2d (entlast))
+(ZEPK-Curve-Length p2d)
+(ZEPK-Poly-DumpPoint p2d)
+(ZEPK-Curve-getEndParam p2d)
+(ZEPK-Curve-Length p2d)
+; Failures.
+(ZEPK-Poly-DumpPoint)
+(ZEPK-Poly-DumpPoint "pl")
+(ZEPK-Poly-DumpPoint (entmakex '((0 . "LINE") (10 0.0 0.0 0.0) (11 1.0 0.0 0.0))))
+(ZEPK-Poly-DumpPoint pl "x")
+(ZEPK-Poly-DumpPoint pl 1e-5 T 1)
+
+; Repeated curves: a line and its copy drawn the other way, an arc twice,
+; a circle on another layer, a polyline and one a little longer.
+(setq a (entmakex '((0 . "LINE") (10 0.0 0.0 0.0) (11 10.0 5.0 0.0)))
+      b (entmakex '((0 . "LINE") (10 10.0 5.0 0.0) (11 0.0 0.0 0.0)))
+      c (entmakex '((0 . "ARC") (10 0.0 0.0 0.0) (40 . 5.0) (50 . 0.0) (51 . 1.0)))
+      d (entmakex '((0 . "ARC") (10 0.0 0.0 0.0) (40 . 5.0) (50 . 0.0) (51 . 1.0)))
+      e (entmakex '((0 . "CIRCLE") (8 . "A") (10 1.0 1.0 0.0) (40 . 2.0)))
+      f (entmakex '((0 . "CIRCLE") (8 . "B") (10 1.0 1.0 0.0) (40 . 2.0)))
+      g (entmakex '((0 . "LWPOLYLINE") (100 . "AcDbEntity") (100 . "AcDbPolyline") (90 . 3) (70 . 0)
+                    (10 0.0 0.0) (42 . 1.0) (10 4.0 0.0) (10 4.0 4.0)))
+      h (entmakex '((0 . "LWPOLYLINE") (100 . "AcDbEntity") (100 . "AcDbPolyline") (90 . 3) (70 . 0)
+                    (10 4.0 4.0) (10 4.0 0.0) (42 . -1.0) (10 0.0 0.0)))
+      i (entmakex '((0 . "LWPOLYLINE") (100 . "AcDbEntity") (100 . "AcDbPolyline") (90 . 3) (70 . 0)
+                    (10 0.0 0.0) (42 . 1.0) (10 4.0 0.0) (10 4.0 4.001))))
+(setq ss (ssadd))
+(foreach x (list a b c d e f g h i) (ssadd x ss))
+; With the layer checked the two circles are not repeats.
+(setq left (ZEPK-Curve-DumpLine ss 1e-5 T))
+(sslength left)
+(mapcar '(lambda (x) (if (entget x) 1 0)) (list a b c d e f g h i))
+; Without it they are.
+(sslength (ZEPK-Curve-DumpLine left))
+(entget f)
+; A coarse tolerance alone does not make the longer polyline a repeat: the
+; points are compared within 0.0001 at most. With a coarse point tolerance
+; it is one, and the later of the two goes.
+(sslength (ZEPK-Curve-DumpLine (ssadd g (ssadd i (ssadd))) 0.01))
+(sslength (ZEPK-Curve-DumpLine (ssadd g (ssadd i (ssadd))) 0.01 0.01))
+(mapcar '(lambda (x) (if (entget x) 1 0)) (list g i))
+; Failures.
+(ZEPK-Curve-DumpLine)
+(ZEPK-Curve-DumpLine "x")
+(ZEPK-Curve-DumpLine ss 1e-5 nil nil nil nil)
