@@ -3,14 +3,14 @@
 // on a segment. Tolerances as in space (host/gelinent3d.h).
 #pragma once
 
-#include "host/geent2d.h"
+#include "host/gecurv2d.h"
 
 class AcGeLine2d;
 
-class AcGeLinearEnt2d : public AcGeEntity2d {
+class AcGeLinearEnt2d : public AcGeCurve2d {
  public:
   bool isKindOf(AcGe::EntityId entType) const override {
-    return entType == AcGe::kLinearEnt2d || entType == AcGe::kCurve2d || AcGeEntity2d::isKindOf(entType);
+    return entType == AcGe::kLinearEnt2d || AcGeCurve2d::isKindOf(entType);
   }
 
   // The one point where the two meet; parallel entities have none.
@@ -24,7 +24,7 @@ class AcGeLinearEnt2d : public AcGeEntity2d {
 
   bool isOn(const AcGePoint2d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override;
   bool isOn(const AcGePoint2d& pnt, double& param, const AcGeTol& tol = AcGeContext::gTol) const;
-  bool isOn(double param, const AcGeTol& tol = AcGeContext::gTol) const;
+  bool isOn(double param, const AcGeTol& tol = AcGeContext::gTol) const override;
 
   bool isParallelTo(const AcGeLinearEnt2d& line, const AcGeTol& tol = AcGeContext::gTol) const;
   bool isPerpendicularTo(const AcGeLinearEnt2d& line, const AcGeTol& tol = AcGeContext::gTol) const;
@@ -42,9 +42,13 @@ class AcGeLinearEnt2d : public AcGeEntity2d {
   double distanceTo(const AcGePoint2d& pnt, const AcGeTol& tol = AcGeContext::gTol) const;
   double distanceTo(const AcGeLinearEnt2d& line, const AcGeTol& tol = AcGeContext::gTol) const;
 
-  AcGePoint2d evalPoint(double param) const { return point_ + vector_ * param; }
-  double paramOf(const AcGePoint2d& pnt, const AcGeTol& tol = AcGeContext::gTol) const;
-  virtual void getInterval(double& lower, double& upper) const = 0;
+  AcGePoint2d evalPoint(double param) const override { return point_ + vector_ * param; }
+  double paramOf(const AcGePoint2d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override;
+  // The part between the two parameters as a segment (parameterised
+  // afresh); null for an empty range or one outside a segment.
+  AcGeCurve2d* trimmedCopy(double fromParam, double toParam) const override;
+  AcGeCurve2d& reverseParam() override;
+  AcGeCurve3d* to3d() const override;
   bool isBounded() const;
 
   AcGeLinearEnt2d& transformBy(const AcGeMatrix2d& xfm) override;
@@ -52,6 +56,8 @@ class AcGeLinearEnt2d : public AcGeEntity2d {
  protected:
   friend struct AcGeLinearParts;
   AcGeLinearEnt2d() = default;
+  AcGeLinearEnt2d(const AcGeLinearEnt2d&) = default;
+  AcGeLinearEnt2d& operator=(const AcGeLinearEnt2d&) = default;
   AcGeLinearEnt2d(const AcGePoint2d& pnt, const AcGeVector2d& vec) : point_(pnt), vector_(vec) {}
 
   AcGePoint2d point_;
