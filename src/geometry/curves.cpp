@@ -6,6 +6,15 @@
 #include "host/ads.h"
 #include "host/dbelipse.h"
 #include "host/dbspline.h"
+#include "host/gearc2d.h"
+#include "host/gearc3d.h"
+#include "host/gecomp3d.h"
+#include "host/geell3d.h"
+#include "host/gemat3d.h"
+#include "host/gelineseg2d.h"
+#include "host/gelineseg3d.h"
+#include "host/genurb3d.h"
+#include "host/geplane.h"
 
 namespace zepk::geometry {
 
@@ -106,6 +115,141 @@ std::unique_ptr<AcGeCurve3d> dbCurveToGeCurve(const AcDbCurve* curve) {
     return nullptr;
   }
   return std::unique_ptr<AcGeCurve3d>(ge);
+}
+
+std::unique_ptr<AcGeCompositeCurve2d> lwPolyToCurve2d(const LwPoly& poly) {
+  if (poly.verts.size() < 2) return nullptr;
+  auto c = std::make_unique<AcGeCompositeCurve2d>();
+  const size_t n = poly.verts.size();
+  for (size_t i = 0; i < poly.numSegments(); ++i) {
+    const PolyVertex& v = poly.verts[i];
+    const PolyVertex& w = poly.verts[(i + 1) % n];
+    const AcGePoint2d a(v.pt.x, v.pt.y), b(w.pt.x, w.pt.y);
+    // A segment of no length stays, as a point-like segment, so that piece
+    // i is still the polyline's segment i.
+    if (std::fabs(v.bulge) < kStraightBulge || a.isEqualTo(b))
+      c->appendOwned(new AcGeLineSeg2d(a, b));
+    else
+      c->appendOwned(new AcGeCircArc2d(a, b, v.bulge));
+  }
+  return c;
+}
+
+namespace {
+
+constexpr double kTwoPi = 2 * kPi;
+
+// The angle of a direction in the coordinate system of a normal (the
+// arbitrary axis rule), from its X axis.
+double ocsAngle(const AcGeVector3d& dir, const AcGeVector3d& normal) {
+  AcGeVector3d d = dir;
+  d.transformBy(AcGeMatrix3d::worldToPlane(normal));
+  return std::atan2(d.y, d.x);
+}
+
+AcDbCurve* arcToDb(const AcGeCircArc3d& arc) {
+  if (arc.endAng() - arc.startAng() >= kTwoPi - 1e-12) return new AcDbCircle(arc.center(), arc.normal(), arc.radius());
+  const AcGeVector3d n = arc.normal();
+  return new AcDbArc(arc.center(), n, arc.radius(), ocsAngle(arc.startPoint() - arc.center(), n),
+                     ocsAngle(arc.endPoint() - arc.center(), n));
+}
+
+AcDbCurve* ellipseToDb(const AcGeEllipArc3d& e) {
+  AcGeVector3d major = e.majorAxis() * e.majorRadius(), minor = e.minorAxis() * e.minorRadius();
+  double start = e.startAng(), end = e.endAng();
+  if (e.majorRadius() <= 0 || e.minorRadius() <= 0) return nullptr;
+  if (e.minorRadius() > e.majorRadius()) {
+    // The longer axis leads: the point at t on the old axes is the point
+    // at t - pi/2 on (minor, -major).
+    const AcGeVector3d m = major;
+    major = minor;
+    minor = -m;
+    start -= kPi / 2;
+    end -= kPi / 2;
+  }
+  const AcGeVector3d n = major.crossProduct(minor).normal();
+  const double ratio = minor.length() / major.length();
+  if (end - start >= kTwoPi - 1e-12) start = 0.0, end = kTwoPi;
+  return new AcDbEllipse(e.center(), n, major, ratio, start, end);
+}
+
+AcDbCurve* nurbsToDb(const AcGeNurbCurve3d& c) {
+  if (c.numControlPoints() < 2) return nullptr;
+  AcGePoint3dArray pts;
+  AcGeDoubleArray knots, weights;
+  for (int i = 0; i < c.numControlPoints(); ++i) pts.push_back(c.controlPointAt(i));
+  for (int i = 0; i < c.numKnots(); ++i) knots.push_back(c.knotAt(i));
+  const bool rational = c.isRational();
+  if (rational)
+    for (int i = 0; i < c.numControlPoints(); ++i) weights.push_back(c.weightAt(i));
+  double period = 0.0;
+  return new AcDbSpline(c.degree(), rational, c.isClosed(), c.isPeriodic(period), pts, knots, weights);
+}
+
+// A composite of segments and arcs in one plane as a polyline in it.
+AcDbCurve* compositeToDb(const AcGeCompositeCurve3d& c) {
+  if (c.numCurves() == 0) return nullptr;
+  AcGePlane plane;
+  if (!c.isPlanar(plane)) return nullptr;
+  AcGeVector3d n = plane.normal();
+  const AcGeMatrix3d toPlane = AcGeMatrix3d::worldToPlane(n);
+  auto inPlane = [&](AcGePoint3d p) { return p.transformBy(toPlane); };
+  LwPoly poly;
+  poly.normal = {n.x, n.y, n.z};
+  bool haveElevation = false;
+  for (int i = 0; i < c.numCurves(); ++i) {
+    const AcGeCurve3d& piece = c.curveAt(i);
+    double lo, hi;
+    piece.getInterval(lo, hi);
+    const AcGePoint3d s = inPlane(piece.evalPoint(lo));
+    if (!haveElevation) poly.elevation = s.z, haveElevation = true;
+    double bulge = 0.0;
+    if (piece.type() == AcGe::kCircArc3d) {
+      const auto& arc = static_cast<const AcGeCircArc3d&>(piece);
+      // Counter-clockwise about the plane's normal is a positive bulge.
+      const double sweep = arc.endAng() - arc.startAng();
+      bulge = std::tan(sweep / 4) * (arc.normal().dotProduct(n) >= 0 ? 1.0 : -1.0);
+    } else if (piece.type() != AcGe::kLineSeg3d) {
+      return nullptr;
+    }
+    poly.verts.push_back({{s.x, s.y, s.z}, bulge});
+  }
+  double lo, hi;
+  c.getInterval(lo, hi);
+  const AcGePoint3d first = c.evalPoint(lo), last = c.evalPoint(hi);
+  if (first.isEqualTo(last) && poly.verts.size() > 1) {
+    poly.closed = true;
+  } else {
+    const AcGePoint3d e = inPlane(last);
+    poly.verts.push_back({{e.x, e.y, e.z}});
+  }
+  auto* pl = new AcDbPolyline();
+  assignLwPoly(*pl, poly);
+  return pl;
+}
+
+}  // namespace
+
+AcDbCurve* geCurveToDbCurve(const AcGeCurve3d* curve) {
+  if (!curve) return nullptr;
+  switch (curve->type()) {
+    case AcGe::kLineSeg3d: {
+      double lo, hi;
+      curve->getInterval(lo, hi);
+      return new AcDbLine(curve->evalPoint(lo), curve->evalPoint(hi));
+    }
+    case AcGe::kCircArc3d: return arcToDb(static_cast<const AcGeCircArc3d&>(*curve));
+    case AcGe::kEllipArc3d: return ellipseToDb(static_cast<const AcGeEllipArc3d&>(*curve));
+    case AcGe::kNurbCurve3d: return nurbsToDb(static_cast<const AcGeNurbCurve3d&>(*curve));
+    case AcGe::kCompositeCrv3d: return compositeToDb(static_cast<const AcGeCompositeCurve3d&>(*curve));
+    default: return nullptr;
+  }
+}
+
+AcDbCurve* geCurveToDbCurve(const AcGeCurve2d* curve) {
+  if (!curve) return nullptr;
+  std::unique_ptr<AcGeCurve3d> c(curve->to3d());
+  return geCurveToDbCurve(c.get());
 }
 
 std::vector<AcGePoint3d> sampleCurve(const AcDbCurve* curve, double chordTolerance, bool dropClosingPoint) {

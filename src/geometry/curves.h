@@ -13,6 +13,7 @@
 #include "host/dbents.h"
 #include "host/dbpl.h"
 #include "host/dbregion.h"
+#include "host/gecomp2d.h"
 #include "host/gecurv3d.h"
 
 namespace zepk::geometry {
@@ -24,6 +25,22 @@ void assignLwPoly(AcDbPolyline& pl, const LwPoly& poly);
 
 // The curve's geometry, or null when it has none the kernel can use.
 std::unique_ptr<AcGeCurve3d> dbCurveToGeCurve(const AcDbCurve* curve);
+
+// A polyline as a composite curve in its own plane (the coordinates of its
+// vertices): one piece per segment, a line segment or a circular arc, so
+// that the composite's parameters are the polyline's. Null for fewer than
+// two vertices.
+std::unique_ptr<AcGeCompositeCurve2d> lwPolyToCurve2d(const LwPoly& poly);
+
+// A new database curve (not in a drawing, without properties) of the
+// geometry curve's shape: a line segment as a line, a circular arc as an
+// arc or a whole circle as a circle, an elliptical arc as an ellipse, a
+// NURBS curve as a spline, and a composite of line segments and circular
+// arcs that lies in a plane as a lightweight polyline in that plane
+// (closed when it comes back to its start). Null for any other curve.
+// A curve in the plane is taken in the XY plane.
+AcDbCurve* geCurveToDbCurve(const AcGeCurve3d* curve);
+AcDbCurve* geCurveToDbCurve(const AcGeCurve2d* curve);
 
 // Points along the curve no farther apart from it than the chord tolerance,
 // without points that repeat the one before within 1e-6; a closed curve's
