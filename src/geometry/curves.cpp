@@ -169,8 +169,18 @@ AcDbCurve* ellipseToDb(const AcGeEllipArc3d& e) {
   }
   const AcGeVector3d n = major.crossProduct(minor).normal();
   const double ratio = minor.length() / major.length();
-  if (end - start >= kTwoPi - 1e-12) start = 0.0, end = kTwoPi;
-  return new AcDbEllipse(e.center(), n, major, ratio, start, end);
+  auto* out = new AcDbEllipse(e.center(), n, major, ratio);
+  if (end - start < kTwoPi - 1e-12) {
+    // Parameters, not angles; an arc over the zero parameter ends below
+    // where it starts.
+    auto wrap = [](double t) {
+      t = std::fmod(t, kTwoPi);
+      return t < 0 ? t + kTwoPi : t;
+    };
+    out->setStartParam(wrap(start));
+    out->setEndParam(wrap(end) == 0.0 ? kTwoPi : wrap(end));
+  }
+  return out;
 }
 
 AcDbCurve* nurbsToDb(const AcGeNurbCurve3d& c) {

@@ -4,11 +4,19 @@
 // of a drawing.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
 #include "geometry/curves.h"
 #include "host/dbelipse.h"
+#include "host/gearc3d.h"
+#include "host/gecomp3d.h"
+#include "host/geell3d.h"
+#include "host/gelin3d.h"
+#include "host/gelineseg3d.h"
+#include "host/gemat3d.h"
+#include "host/genurb3d.h"
 #include "host/dbray.h"
 #include "host/dbspline.h"
 #include "host/dbsymtb.h"
@@ -305,4 +313,99 @@ TEST(PolylineStart, RotatedOnlyWhenClosedAndInRange) {
   EXPECT_EQ(rotateClosedPolyStart(pl.get(), 4), Acad::eInvalidIndex);
   pl->setClosed(false);
   EXPECT_EQ(rotateClosedPolyStart(pl.get(), 1), Acad::eNotApplicable);
+}
+
+namespace {
+
+// The largest distance between the two curves at points along the first,
+// matched by distance along each.
+double apart(const AcGeCurve3d& ge, const AcDbCurve& db) {
+  double lo, hi, end = 0, len = 0;
+  ge.getInterval(lo, hi);
+  db.getEndParam(end);
+  db.getDistAtParam(end, len);
+  EXPECT_NEAR(len, ge.length(), 1e-6);
+  double worst = 0;
+  for (int i = 0; i <= 16; ++i) {
+    const double t = lo + (hi - lo) * i / 16;
+    AcGePoint3d p;
+    if (db.getPointAtDist(std::min(len, ge.length(lo, t)), p) != Acad::eOk) return 1e300;
+    worst = std::max(worst, p.distanceTo(ge.evalPoint(t)));
+  }
+  return worst;
+}
+
+}  // namespace
+
+TEST(GeCurveToDbCurve, EachKindBecomesItsDatabaseCurve) {
+  const AcGeLineSeg3d seg(AcGePoint3d(1, 2, 3), AcGePoint3d(4, 6, 3));
+  std::unique_ptr<AcDbCurve> line(geCurveToDbCurve(&seg));
+  ASSERT_TRUE(AcDbLine::cast(line.get()));
+  EXPECT_LT(apart(seg, *line), 1e-12);
+  // An arc in a tilted plane, and the whole circle.
+  const AcGeVector3d n = AcGeVector3d(1, -2, 3).normal();
+  const AcGeCircArc3d arc(AcGePoint3d(5, 5, 5), n, n.perpVector(), 4, 0.3, 2.5);
+  std::unique_ptr<AcDbCurve> a(geCurveToDbCurve(&arc));
+  ASSERT_TRUE(AcDbArc::cast(a.get()));
+  EXPECT_LT(apart(arc, *a), 1e-9);
+  std::unique_ptr<AcDbCurve> c(geCurveToDbCurve(&static_cast<const AcGeCurve3d&>(AcGeCircArc3d(AcGePoint3d(1, 1, 0), n, 2))));
+  ASSERT_TRUE(AcDbCircle::cast(c.get()));
+  EXPECT_NEAR(AcDbCircle::cast(c.get())->radius(), 2, 1e-12);
+  // An elliptical arc whose second axis is the longer one.
+  const AcGeEllipArc3d ell(AcGePoint3d(0, 0, 1), AcGeVector3d(1, 0, 0), AcGeVector3d(0, 1, 0), 2, 5, 0.5, 4.0);
+  std::unique_ptr<AcDbCurve> e(geCurveToDbCurve(&ell));
+  ASSERT_TRUE(AcDbEllipse::cast(e.get()));
+  EXPECT_NEAR(AcDbEllipse::cast(e.get())->majorRadius(), 5, 1e-12);
+  EXPECT_LT(apart(ell, *e), 1e-6);
+  // A rational NURBS curve.
+  const AcGeNurbCurve3d nurbs(3, {0, 0, 0, 0, 1, 2, 2, 2, 2},
+                              {{0, 0, 0}, {1, 3, 0}, {4, 4, 1}, {6, 1, 0}, {9, 2, 0}}, {1, 2, 0.5, 1, 1});
+  std::unique_ptr<AcDbCurve> s(geCurveToDbCurve(&nurbs));
+  ASSERT_TRUE(AcDbSpline::cast(s.get()));
+  EXPECT_LT(apart(nurbs, *s), 1e-6);
+  // Kinds without a database curve give none.
+  const AcGeLine3d inf(AcGePoint3d(0, 0, 0), AcGeVector3d(1, 0, 0));
+  EXPECT_EQ(geCurveToDbCurve(&inf), nullptr);
+  EXPECT_EQ(geCurveToDbCurve(static_cast<const AcGeCurve3d*>(nullptr)), nullptr);
+}
+
+TEST(GeCurveToDbCurve, CompositesOfSegmentsAndArcsBecomePolylines) {
+  // A closed polyline with arcs either way round, through a plane curve and back.
+  LwPoly p;
+  p.verts = {{{0, 0}, 0.0}, {{10, 0}, 0.5}, {{10, 10}, -0.3}, {{0, 10}, 0.0}};
+  p.closed = true;
+  auto plane = lwPolyToCurve2d(p);
+  ASSERT_TRUE(plane);
+  std::unique_ptr<AcDbCurve> made(geCurveToDbCurve(plane.get()));
+  auto* pl = AcDbPolyline::cast(made.get());
+  ASSERT_TRUE(pl);
+  const LwPoly back = toLwPoly(*pl);
+  EXPECT_TRUE(back.closed);
+  ASSERT_EQ(back.verts.size(), 4u);
+  for (size_t i = 0; i < 4; ++i) {
+    EXPECT_NEAR(back.verts[i].pt.x, p.verts[i].pt.x, 1e-9);
+    EXPECT_NEAR(back.verts[i].pt.y, p.verts[i].pt.y, 1e-9);
+    EXPECT_NEAR(back.verts[i].bulge, p.verts[i].bulge, 1e-9);
+  }
+  // The same open, lifted into a tilted plane at a height: the polyline
+  // lies in that plane, its arcs turning the same way.
+  p.closed = false;
+  const AcGeVector3d n = AcGeVector3d(0, -1, 1).normal();
+  AcGeCompositeCurve3d tilted;
+  const AcGeMatrix3d toWorld = AcGeMatrix3d::planeToWorld(n) * AcGeMatrix3d::translation(AcGeVector3d(0, 0, 7));
+  for (size_t i = 0; i + 1 < p.verts.size(); ++i) {
+    AcGePoint3d a(p.verts[i].pt.x, p.verts[i].pt.y, 0), b(p.verts[i + 1].pt.x, p.verts[i + 1].pt.y, 0);
+    tilted.appendOwned(zepk::ge::bulgeSegment(a.transformBy(toWorld), b.transformBy(toWorld), p.verts[i].bulge, n));
+  }
+  std::unique_ptr<AcDbCurve> open(geCurveToDbCurve(&tilted));
+  pl = AcDbPolyline::cast(open.get());
+  ASSERT_TRUE(pl);
+  EXPECT_FALSE(pl->isClosed());
+  EXPECT_EQ(pl->numVerts(), 4u);
+  EXPECT_LT(apart(tilted, *pl), 1e-9);
+  // A composite with an elliptical piece has no polyline.
+  AcGeCompositeCurve3d mixed;
+  mixed.appendOwned(new AcGeLineSeg3d(AcGePoint3d(2, 0, 0), AcGePoint3d(4, 0, 0)));
+  mixed.appendOwned(new AcGeEllipArc3d(AcGePoint3d(0, 0, 0), AcGeVector3d(1, 0, 0), AcGeVector3d(0, 1, 0), 4, 2, 0, 1));
+  EXPECT_EQ(geCurveToDbCurve(&mixed), nullptr);
 }

@@ -2,7 +2,7 @@
 // sense, rounding, polylines cut, sampled, reversed, restarted and chained,
 // with the awkward cases a survey drawing brings (coincident vertices,
 // degenerate arcs, tiny curves); and the same arithmetic on random
-// polylines checked against ezdxf's own.
+// polylines checked against ezdxf's own, also as composite plane curves.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,11 +10,13 @@
 #include <cmath>
 #include <cstdio>
 #include <fstream>
+#include <memory>
 #include <random>
 #include <sstream>
 #include <string>
 #include <unistd.h>
 
+#include "geometry/curves.h"
 #include "geometry/kernel.h"
 #include "geometry/lines.h"
 #include "testseed.h"
@@ -393,5 +395,74 @@ TEST(KernelOracle, RandomPolylinesAgreeWithEzdxf) {
     EXPECT_LE(near[1], tol + 1e-9) << "a chord of polyline " << k << " strays beyond the tolerance";
     EXPECT_NEAR(cut[0], whole[0], 1e-7) << "polyline " << k << " cut into pieces changed its area";
     EXPECT_NEAR(cut[1], whole[1], 1e-7) << "polyline " << k << " cut into pieces changed its length";
+  }
+}
+
+TEST(KernelOracle, PolylinesAsPlaneCurvesAgreeWithEzdxf) {
+  const unsigned seed = testSeed();
+  SCOPED_TRACE("seed " + std::to_string(seed) + " (ZEPK_SEED repeats it)");
+  std::mt19937 rng(seed);
+  auto uni = [&](double lo, double hi) { return std::uniform_real_distribution<double>(lo, hi)(rng); };
+  auto list = [](const AcGePoint2dArray& s) {
+    std::string pts = "[";
+    for (size_t i = 0; i < s.size(); ++i) pts += (i ? ",[" : "[") + num(s[i].x) + "," + num(s[i].y) + "]";
+    return pts + "]";
+  };
+  std::vector<LwPoly> polys;
+  std::vector<std::unique_ptr<AcGeCompositeCurve2d>> curves;
+  std::vector<std::string> req;
+  for (int k = 0; k < 20; ++k) {
+    LwPoly p;
+    const int n = 3 + k % 7;
+    for (int i = 0; i < n; ++i) {
+      const double t = 2 * kPi * (i + uni(0.1, 0.9)) / n, r = uni(20, 60);
+      p.verts.push_back({{r * std::cos(t), r * std::sin(t)}, (i % 3 == 1) ? 0.0 : uni(-0.8, 0.8)});
+    }
+    p.closed = k % 3 != 2;
+    auto c = lwPolyToCurve2d(p);
+    ASSERT_TRUE(c);
+    const std::string v = verts(p), closed = p.closed ? "true" : "false";
+    req.push_back("{\"op\":\"poly\",\"v\":" + v + ",\"closed\":" + closed + "}");
+    // Points at every quarter of every piece, and samples within a chord tolerance.
+    AcGePoint2dArray at;
+    for (double t = 0; t <= c->numCurves(); t += 0.25) at.push_back(c->evalPoint(t));
+    req.push_back("{\"op\":\"near\",\"v\":" + v + ",\"closed\":" + closed + ",\"p\":" + list(at) + "}");
+    AcGePoint2dArray s;
+    AcGeDoubleArray prm;
+    c->getSamplePoints(0, c->numCurves(), k % 2 ? 0.05 : 0.005, s, prm);
+    req.push_back("{\"op\":\"near\",\"v\":" + v + ",\"closed\":" + closed + ",\"p\":" + list(s) + "}");
+    polys.push_back(p);
+    curves.push_back(std::move(c));
+  }
+  const auto rows = ask(req);
+  for (size_t k = 0; k < polys.size(); ++k) {
+    const AcGeCompositeCurve2d& c = *curves[k];
+    const double len = rows[3 * k][1];
+    EXPECT_NEAR(c.length(), len, 1e-8) << "length of polyline " << k;
+    EXPECT_LE(rows[3 * k + 1][0], 1e-9) << "a point of polyline " << k << " is off it";
+    EXPECT_LE(rows[3 * k + 2][0], 1e-9) << "a sample of polyline " << k << " is off it";
+    EXPECT_LE(rows[3 * k + 2][1], (k % 2 ? 0.05 : 0.005) + 1e-9) << "a chord of polyline " << k << " strays";
+    EXPECT_EQ(c.isClosed(), polys[k].closed);
+    // The composite's parameters are the polyline's.
+    for (double t : {0.0, 0.5, 1.0, 1.7, c.numCurves() - 0.25, double(c.numCurves())}) {
+      const Point q = pointAtParam(polys[k], t);
+      const AcGePoint2d at = c.evalPoint(t);
+      EXPECT_NEAR(at.x, q.x, 1e-9) << "polyline " << k << " at " << t;
+      EXPECT_NEAR(at.y, q.y, 1e-9) << "polyline " << k << " at " << t;
+      // The start of a closed curve is also its end: the point, not the
+      // parameter, is what comes back.
+      EXPECT_NEAR(c.evalPoint(c.paramOf(at)).distanceTo(at), 0, 1e-9) << "polyline " << k << " at " << t;
+    }
+    // Split anywhere, the two parts make up the whole; reversed, the same length.
+    AcGeCurve2d *a = nullptr, *b = nullptr;
+    c.getSplitCurves(1.3, a, b);
+    std::unique_ptr<AcGeCurve2d> pa(a), pb(b);
+    ASSERT_TRUE(a && b);
+    EXPECT_NEAR(a->length() + b->length(), len, 1e-8);
+    AcGeCompositeCurve2d r = c;
+    r.reverseParam();
+    EXPECT_NEAR(r.length(), len, 1e-8);
+    const AcGePoint2d q = r.evalPoint(c.numCurves() - 1.3), want = c.evalPoint(1.3);
+    EXPECT_NEAR(q.distanceTo(want), 0, 1e-9);
   }
 }
