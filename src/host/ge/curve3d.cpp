@@ -383,9 +383,32 @@ AcGeBoundBlock3d AcGeCurve3d::orthoBoundBlock() const {
   AcGePoint3dArray coarse;
   getSamplePoints(17, coarse);
   for (const AcGePoint3d& q : coarse) size = std::max(size, q.distanceTo(s));
-  getSamplePoints(lo, hi, std::max(size, 1.0) * 1e-9, pts, prm);
+  // Samples at a moderate tolerance, then each extreme of a coordinate
+  // found exactly where its derivative changes sign between two samples:
+  // as exact as dense samples, at a small part of their cost.
+  getSamplePoints(lo, hi, std::max(size, 1.0) * 1e-5, pts, prm);
   AcGeBoundBlock3d box(pts[0], pts[0]);
   for (const AcGePoint3d& q : pts) box.extend(q);
+  std::vector<AcGeVector3d> slope(pts.size());
+  AcGeVector3dArray d;
+  for (size_t i = 0; i < prm.size(); ++i) {
+    evalPoint(prm[i], 1, d);
+    slope[i] = d[0];
+  }
+  for (int axis = 0; axis < 3; ++axis) {
+    for (size_t i = 0; i + 1 < prm.size(); ++i) {
+      double a = prm[i], b = prm[i + 1];
+      double da = slope[i][axis], db = slope[i + 1][axis];
+      if (da == 0.0 || db == 0.0 || (da > 0) == (db > 0)) continue;
+      for (int it = 0; it < 60 && b - a > 1e-15 * std::max(1.0, std::fabs(a)); ++it) {
+        const double m = 0.5 * (a + b);
+        evalPoint(m, 1, d);
+        if ((d[0][axis] > 0) == (da > 0)) a = m;
+        else b = m;
+      }
+      box.extend(evalPoint(0.5 * (a + b)));
+    }
+  }
   return box;
 }
 

@@ -368,3 +368,24 @@ TEST(GeIntersect, SplinesAndEllipsesMeetOthersNumerically) {
 }
 
 }  // namespace
+
+TEST(GeCurves, BoxesOfCurvedKindsTouchTheirExtremes) {
+  // A whole circle as an exact rational NURBS curve, tilted out of its
+  // plane: its box is the centre plus and minus r sqrt(1 - n_i^2).
+  const AcGeVector3d n = AcGeVector3d(1, 2, 2).normal();
+  const AcGeNurbCurve3d circle(AcGeCircArc3d(AcGePoint3d(3, -1, 2), n, 5));
+  AcGePoint3d lo, hi;
+  circle.orthoBoundBlock().getMinMaxPoints(lo, hi);
+  for (unsigned i = 0; i < 3; ++i) {
+    const double half = 5 * std::sqrt(1 - n[i] * n[i]);
+    EXPECT_NEAR(lo[i], AcGePoint3d(3, -1, 2)[i] - half, 1e-10) << i;
+    EXPECT_NEAR(hi[i], AcGePoint3d(3, -1, 2)[i] + half, 1e-10) << i;
+  }
+  // A whole ellipse at a slant: half widths sqrt(a^2 cos^2 + b^2 sin^2).
+  const double t = 0.6;
+  const AcGeEllipArc3d e(AcGePoint3d(0, 0, 0), AcGeVector3d(std::cos(t), std::sin(t), 0),
+                         AcGeVector3d(-std::sin(t), std::cos(t), 0), 4, 1.5);
+  e.orthoBoundBlock().getMinMaxPoints(lo, hi);
+  EXPECT_NEAR(hi.x, std::hypot(4 * std::cos(t), 1.5 * std::sin(t)), 1e-10);
+  EXPECT_NEAR(lo.y, -std::hypot(4 * std::sin(t), 1.5 * std::cos(t)), 1e-10);
+}
