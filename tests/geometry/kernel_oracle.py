@@ -18,15 +18,17 @@ from ezdxf.math import Vec2, bulge_center, bulge_to_arc, bulge_3_points
 
 
 def green(a, b, bulge):
-    """Half the integral of x dy - y dx from a to b along the segment."""
+    """Half the integral of x dy - y dx from a to b along the segment: the
+    chord's share, and the circular segment between chord and arc (taken
+    apart so that a nearly straight arc of a huge radius stays exact)."""
+    chord = (a.x * b.y - a.y * b.x) / 2
     if abs(bulge) < 1e-12 or a.isclose(b):
-        return (a.x * b.y - a.y * b.x) / 2
-    c, sa, ea, r = bulge_to_arc(a, b, bulge)
+        return chord
+    _, sa, ea, r = bulge_to_arc(a, b, bulge)
     sweep = (ea - sa) % math.tau
-    # ezdxf gives every arc counter-clockwise: a clockwise one runs back.
-    t0, t1 = sa, sa + sweep
-    i = r * c.x * (math.sin(t1) - math.sin(t0)) + r * c.y * (math.cos(t0) - math.cos(t1)) + r * r * (t1 - t0)
-    return i / 2 if bulge > 0 else -i / 2
+    piece = r * r * (sweep - math.sin(sweep)) / 2
+    # A counter-clockwise arc swells to the right of its chord.
+    return chord + piece if bulge > 0 else chord - piece
 
 
 def segments(v, closed):
