@@ -293,4 +293,34 @@ int lispEntAddHyperlinks() {
   return done ? retT() : retNil();
 }
 
+namespace {
+
+// Two entities exchange ids; the flags say whether extended data and the
+// extension dictionary stay with the ids.
+int swapIds(Styles styles, bool fixedFlags, bool keepData) {
+  Args a(styles);
+  AcDbObjectId e1, e2;
+  if (!a.objectId(e1) || !a.objectId(e2)) return RTERROR;
+  bool swapXdata = keepData, swapExtDict = keepData;
+  if (!fixedFlags) {
+    swapXdata = a.flag();
+    swapExtDict = a.flag();
+  }
+  if (!a.end()) return RTERROR;
+  AcDbObject* obj = nullptr;
+  Acad::ErrorStatus es = acdbOpenAcDbObject(obj, e1, AcDb::kForWrite);
+  if (es == Acad::eOk) {
+    es = obj->swapIdWith(e2, swapXdata, swapExtDict);
+    obj->close();
+  }
+  if (es != Acad::eOk) return frame::fail(es == Acad::eOnLockedLayer ? u"对象锁定，无法修改!" : u"对象错误!"), retNil();
+  return retT();
+}
+
+}  // namespace
+
+int lispEntSwapId() { return swapIds({MsgStyle::Plain, MsgStyle::Plain}, false, false); }
+int lispSwapEnt() { return swapIds(kBang, true, true); }
+
+
 }  // namespace zepk::drawing

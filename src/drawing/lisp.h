@@ -42,6 +42,8 @@ int lispMoveBelow();
 int lispSwapOrder();
 int lispSetRelativeDrawOrder();
 int lispGetSortHandle();
+int lispEntSwapId();
+int lispSwapEnt();
 
 // Selection sets and groups.
 int lispPickSetGetBox();

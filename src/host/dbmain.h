@@ -100,6 +100,15 @@ class AcDbObject : public AcRxObject {
 
   Acad::ErrorStatus erase(bool erasing = true);
 
+  // The object and the other one (same database, not erased) exchange
+  // their ids: what referred to one by id now refers to the other, and
+  // each takes the other's place in its owner (so also its draw order).
+  // This object is open for write; the other is opened here and must not
+  // be open already. Each object keeps its extended data and extension
+  // dictionary unless swapXdata / swapExtDict say that these stay with the
+  // ids. Undone as one step with the rest of the undo mark.
+  Acad::ErrorStatus swapIdWith(AcDbObjectId otherId, bool swapXdata = false, bool swapExtDict = false);
+
   // Extended data: a chain of 1001 application names each followed by its
   // groups (1000-1071). xData(name) gives that application's part, xData()
   // all of it; the caller releases the chain with acutRelRb. setXData

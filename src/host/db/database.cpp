@@ -235,6 +235,9 @@ bool AcDbDatabase::undoBack() {
   }
   // Objects added under the mark are taken back: erased, silently.
   for (auto it = mark.added.rbegin(); it != mark.added.rend(); ++it) (*it)->erased = true;
+  // Exchanged ids go back before the recorded states, which were taken
+  // with each object at its first id.
+  for (auto it = mark.swaps.rbegin(); it != mark.swaps.rend(); ++it) zepk::db::swapStubObjects(it->first, it->second);
   for (auto it = mark.records.rbegin(); it != mark.records.rend(); ++it) zepk::db::restoreRecord(*it);
   impl_->redo.push_back(std::move(redo));
   return true;
@@ -245,6 +248,7 @@ bool AcDbDatabase::redoForward() {
   Impl::Redo redo = std::move(impl_->redo.back());
   impl_->redo.pop_back();
   for (AcDbStub* s : redo.mark.added) s->erased = false;
+  for (const auto& [a, b] : redo.mark.swaps) zepk::db::swapStubObjects(a, b);
   for (const zepk::db::UndoRecord& r : redo.after) zepk::db::restoreRecord(r);
   // Undone again by the same mark.
   impl_->marks.push_back(std::move(redo.mark));

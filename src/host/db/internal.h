@@ -30,7 +30,12 @@ struct UndoRecord {
 struct UndoMark {
   std::vector<UndoRecord> records;
   std::vector<AcDbStub*> added;
+  // Pairs of ids whose objects were exchanged, in the order it was done.
+  std::vector<std::pair<AcDbStub*, AcDbStub*>> swaps;
 };
+
+// Exchanges the objects of two ids (both stubs and the objects' links).
+void swapStubObjects(AcDbStub* a, AcDbStub* b);
 
 // Makes the records of all the database's own classes (called once, when
 // the class dictionary is first used).
@@ -74,6 +79,7 @@ struct AcDbObjectAccess {
   static auto* impl(AcDbDatabase* db) { return db->impl_.get(); }
   static Acad::ErrorStatus open(AcDbObject* o, AcDb::OpenMode mode);
   static AcDbStub* stub(const AcDbObject* o) { return o->stub_; }
+  static void setStub(AcDbObject* o, AcDbStub* s) { o->stub_ = s; }
   // Tells the original's reactors (transient, then persistent) of its copy.
   static void sendCopied(AcDbObject* original, AcDbObject* copy);
   // Drops what a copy made outside any database must not share with its
