@@ -70,6 +70,14 @@ int lispHatchAppendLoop();
 int lispDocWBlock();
 int lispDocInsert();
 
+// Temporary graphics and documents.
+int lispGrDrawLines();
+int lispGrPoint();
+int lispEntDraw();
+int lispReDraw();
+int lispDocNew();
+int lispDocOpen();
+
 // Commands.
 void cmdMyWblock();
 void cmdZkUcs();

@@ -8,6 +8,7 @@
 #include "frame/callbacks.h"
 #include "drawing/lisp.h"
 #include "frame/input.h"
+#include "frame/views.h"
 #include "geometry/lisp.h"
 #include "services/lisp.h"
 #include "services/strings_lisp.h"
@@ -399,7 +400,7 @@ constexpr FunctionRow kRows[kFunctionCount] = {
     {u"ZEPK-Ent-getStretchPoints", drawing::lispEntGetStretchPoints, F26, "entity -> its stretch points"},
     {u"ZEPK-Ent-matchProp", drawing::lispEntMatchProp, F26, "source entities -> T; the source's layer, colour, linetype, weight given to the others"},
     {u"ZEPK-Ent-addHyperlinks", drawing::lispEntAddHyperlinks, F26, "entities url [description] [place] -> T; a link kept as extended data PE_URL"},
-    {u"ZEPK-Ent-Draw", nullptr, F26, ""},
+    {u"ZEPK-Ent-Draw", drawing::lispEntDraw, F26, "entities -> T; each drawn again over everything else until the next redraw"},
     {u"ZEPK-explode", drawing::lispExplode, F26, "entity [erase] -> names of its parts added beside it; the entity erased with the flag"},
     {u"ZEPK-SWAPENT", drawing::lispSwapEnt, F26, "entity1 entity2 -> T; the two exchange shapes and properties: names, extended data and dictionaries stay where they were"},
     {u"ZEPK-MoveAbove", drawing::lispMoveAbove, F26, "entities target -> T; drawn just after the target"},
@@ -409,7 +410,7 @@ constexpr FunctionRow kRows[kFunctionCount] = {
     {u"ZEPK-SwapOrder", drawing::lispSwapOrder, F26, "entity1 entity2 -> T; their places in the draw order swapped"},
     {u"ZEPK-SetRelativeDrawOrder", drawing::lispSetRelativeDrawOrder, F26, "entities -> T; drawn in the order given"},
     {u"ZEPK-GetSortHandle", drawing::lispGetSortHandle, F26, "entity -> the handle it is drawn by, as hexadecimal text"},
-    {u"ZEPK-GrPoint", nullptr, F26, ""},
+    {u"ZEPK-GrPoint", drawing::lispGrPoint, F26, "point [colour] [size] -> T; a temporary cross at the point, by default a fortieth of the view high"},
     {u"ZEPK-Text-GetBox", drawing::lispTextGetBox, F26, "text [decimals] -> (lower-left upper-right) of its box turned with the text"},
     {u"ZEPK-Text-GetBox9Pts", drawing::lispTextGetBox9Pts, F26, "text -> nine points of its box turned with the text, reading order from the upper left"},
     {u"ZEPK-Text-Find", nullptr, F26, ""},
@@ -420,16 +421,16 @@ constexpr FunctionRow kRows[kFunctionCount] = {
     {u"ZEPK-SsUnion", drawing::lispSsUnion, F26, "sets... -> a new set of the entities of all, each once"},
     {u"ZEPK-SsSub", drawing::lispSsSub, F26, "set sets... -> a new set of the first's entities in none of the others"},
     {u"ZEPK-SsFree", drawing::lispSsFree, F26, "sets... -> T; the sets freed"},
-    {u"ZEPK-ReDraw", nullptr, F26, ""},
-    {u"ZEPK-Doc-ZoomWinDow", nullptr, F26, ""},
-    {u"ZEPK-Doc-SaveViewSize", nullptr, F26, ""},
-    {u"ZEPK-Doc-ReViewSize", nullptr, F26, ""},
+    {u"ZEPK-ReDraw", drawing::lispReDraw, F26, "[entities [mode]] -> T; no argument: the drawing redrawn and the temporary graphics gone; mode 1 shows, 2 hides, 3 highlights, 4 unhighlights"},
+    {u"ZEPK-Doc-ZoomWinDow", frame::lispDocZoomWindow, F26, "corner1 corner2 -> T; the window shown whole"},
+    {u"ZEPK-Doc-SaveViewSize", frame::lispDocSaveViewSize, F26, "-> (lower-left upper-right) of the view, kept with the document"},
+    {u"ZEPK-Doc-ReViewSize", frame::lispDocReViewSize, F26, "-> T; the kept view shown again"},
     {u"ZEPK-Doc-GETVAR", drawing::lispDocGetVar, F26, "name -> the system variable's value, or nil"},
     {u"ZEPK-Doc-WBlock", drawing::lispDocWBlock, F26, "file [entities] [base-point] -> T; the entities, or the whole drawing, written to a drawing file"},
     {u"ZEPK-Doc-Insert", drawing::lispDocInsert, F26, "file [name] -> name of the block definition the drawing file became"},
-    {u"ZEPK-Doc-New", nullptr, F26, ""},
-    {u"ZEPK-Doc-Open", nullptr, F26, ""},
-    {u"ZEPK-GrDrawLines", nullptr, F26, ""},
+    {u"ZEPK-Doc-New", drawing::lispDocNew, F26, "[template] -> T; a new drawing as the current document"},
+    {u"ZEPK-Doc-Open", drawing::lispDocOpen, F26, "file -> T; the drawing file opened as the current document"},
+    {u"ZEPK-GrDrawLines", drawing::lispGrDrawLines, F26, "points [colour] [closed] [highlight] -> T; temporary vectors through the points until the next redraw"},
     {u"ZEPK-TransFormBy", drawing::lispTransformBy, F26, "entities matrix -> T; transformed in place"},
     {u"ZEPK-TransFormByCopy", drawing::lispTransformByCopy, F26, "entities matrix -> names of the transformed copies"},
     {u"ZEPK-Hatch-getLoop", drawing::lispHatchGetLoop, F26, "hatch -> its loops, each a list of vertices (x y bulge)"},

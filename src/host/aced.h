@@ -67,6 +67,27 @@ enum : int {
   RSG_2D = 64,
   RSG_OTHER = 128,
 };
+// Temporary graphics, shown over the drawing until the next redraw (in
+// this host: in pictures of the drawing). acedGrDraw draws a vector
+// between two points of the current UCS in a colour index (-1: the colour
+// that contrasts with what is under it), highlighted (dashed) when hl is
+// not 0. acedGrVecs takes a list of vectors as the LISP grvecs does:
+// integers set the colour (256 and up: highlighted, colour - 256) and
+// pairs of points make vectors, transformed by mat when given. acedRedraw
+// with a null name redraws the whole drawing (the temporary graphics go);
+// with an entity, mode 1 shows it again, 2 hides it, 3 highlights it, 4
+// takes the highlight off. All give RTNORM, or RTERROR for bad input.
+int acedGrDraw(const ads_point from, const ads_point to, int color, int hl);
+int acedGrVecs(const resbuf* vlist, ads_matrix mat);
+int acedRedraw(const ads_name ent, int mode);
+
+class AcDbViewTableRecord;
+class AcDbViewport;
+// Shows the view in the current viewport (the viewport argument is not
+// used here): its centre, and a height that shows both its height and its
+// width in the window. eInvalidInput for a null view or a size not above 0.
+Acad::ErrorStatus acedSetCurrentView(AcDbViewTableRecord* pVwRec, AcDbViewport* pVP);
+
 int acedInitGet(int val, const ACHAR* kwl);
 int acedGetPoint(const ads_point pt, const ACHAR* prompt, ads_point result);
 int acedGetReal(const ACHAR* prompt, ads_real* result);

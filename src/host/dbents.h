@@ -182,6 +182,10 @@ class AcDbEntity : public AcDbObject {
   // host/acgi.h). True when it has drawn itself; the host's own classes
   // answer false and the picture renderer draws them by their kind.
   virtual Adesk::Boolean worldDraw(AcGiWorldDraw* mode) { return false; }
+  // Draws the entity now, over everything else, until the next redraw of
+  // the drawing (in this host: in pictures of the drawing). eNotInDatabase
+  // for an entity that is not in one.
+  Acad::ErrorStatus draw();
 
   virtual Acad::ErrorStatus getGripPoints(std::vector<AcGePoint3d>& gripPoints) const;
   virtual Acad::ErrorStatus getStretchPoints(std::vector<AcGePoint3d>& stretchPoints) const;

@@ -10,6 +10,7 @@
 #include "host/db/dxffile.h"
 #include "host/db/dxfinternal.h"
 #include "host/db/internal.h"
+#include "host/db/overlay.h"
 #include "host/dbmain.h"
 #include "host/system/utf.h"
 
@@ -72,6 +73,7 @@ struct AcDbDatabase::Impl {
   std::vector<zepk::db::HeaderVar> header;
   // The message of the last failed readDwgFile or saveAs.
   std::string fileError;
+  zepk::db::Overlay overlay;
 };
 
 ACRX_DEFINE_HOST_CLASS(AcDbDatabase, AcRxObject, nullptr, nullptr)
@@ -265,6 +267,8 @@ void dbNotify(AcDbDatabase* db, const std::function<void(AcDbDatabaseReactor*)>&
 }
 
 std::vector<HeaderVar>& headerVars(AcDbDatabase* db) { return AcDbObjectAccess::impl(db)->header; }
+
+Overlay& overlayOf(AcDbDatabase* db) { return AcDbObjectAccess::impl(db)->overlay; }
 
 UndoMark* openUndoMark(AcDbDatabase* db) {
   if (!db) return nullptr;

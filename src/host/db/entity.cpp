@@ -7,6 +7,7 @@
 
 #include "host/db/ents_internal.h"
 #include "host/db/internal.h"
+#include "host/db/overlay.h"
 #include "host/dbheader.h"
 #include "host/dbelipse.h"
 #include "host/dbents.h"
@@ -926,6 +927,14 @@ const ClassSchema& AcDbEntity::schema() {
           field<&AcDbEntity::transparency_>(440, "Transparency", 0, kOptional),
       }};
   return s;
+}
+
+Acad::ErrorStatus AcDbEntity::draw() {
+  AcDbDatabase* db = database();
+  if (!db || objectId().isNull()) return Acad::eNotInDatabase;
+  std::vector<AcDbObjectId>& onTop = zepk::db::overlayOf(db).onTop;
+  if (std::find(onTop.begin(), onTop.end(), objectId()) == onTop.end()) onTop.push_back(objectId());
+  return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbEntity::dwgOutFields(AcDbDwgFiler* f) const {

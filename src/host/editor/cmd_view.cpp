@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host/aced.h"
 #include "host/dbents.h"
 #include "host/dbmtext.h"
 #include "host/dbsymtb.h"
@@ -257,3 +258,13 @@ void registerViewCommands() {
 }
 
 }  // namespace zepk::editor
+
+Acad::ErrorStatus acedSetCurrentView(AcDbViewTableRecord* view, AcDbViewport*) {
+  if (!view) return Acad::eInvalidInput;
+  double h = view->height(), w = view->width();
+  if (!(h > 0) || !(w > 0) || !std::isfinite(h) || !std::isfinite(w)) return Acad::eInvalidInput;
+  AcGePoint2d c = view->centerPoint();
+  const double lo[3] = {c.x - w / 2, c.y - h / 2, 0}, hi[3] = {c.x + w / 2, c.y + h / 2, 0};
+  zepk::editor::zoomWindow(lo, hi);
+  return Acad::eOk;
+}

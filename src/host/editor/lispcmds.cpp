@@ -7,6 +7,7 @@
 #include "host/editor/commands.h"
 #include "host/editor/input.h"
 #include "host/editor/lispcmds.h"
+#include "host/lisp/drawing.h"
 #include "host/lisp/interp.h"
 #include "host/lisp/printer.h"
 #include "host/system/utf.h"
@@ -265,6 +266,77 @@ Value fnInitget(Interp& in, ArgSpan a) {
   return Value();
 }
 
+// (grdraw from to colour [highlight]) draws a temporary vector.
+Value fnGrdraw(Interp& in, ArgSpan a) {
+  checkArgc(in, a, 3, 4);
+  double from[3], to[3];
+  lisp::argPoint(in, a[0], from);
+  lisp::argPoint(in, a[1], to);
+  int color = lisp::argInt(in, a[2]);
+  int hl = a.size > 3 ? lisp::argInt(in, a[3]) : 0;
+  if (color < -1 || color > 255) in.fail(u"bad argument value: " + lisp::prin1String(a[2]));
+  acedGrDraw(from, to, color, hl);
+  return Value();
+}
+
+// (grvecs list [matrix]): colours and pairs of points, as acedGrVecs.
+Value fnGrvecs(Interp& in, ArgSpan a) {
+  checkArgc(in, a, 1, 2);
+  resbuf head{};
+  resbuf* tail = &head;
+  for (Value p = lisp::argList(in, a[0]); p.isCons(); p = lisp::cdr(p)) {
+    const Value& v = lisp::car(p);
+    resbuf* rb = nullptr;
+    double pt[3];
+    if (v.isInt()) {
+      rb = acutNewRb(RTSHORT);
+      rb->resval.rint = static_cast<short>(v.asInt());
+    } else if (lisp::toPoint(v, pt)) {
+      rb = acutNewRb(RT3DPOINT);
+      std::copy(pt, pt + 3, rb->resval.rpoint);
+    } else {
+      acutRelRb(head.rbnext);
+      in.badType("pointp", v);
+    }
+    tail->rbnext = rb;
+    tail = rb;
+  }
+  ads_matrix m;
+  bool withMatrix = a.size > 1 && !a[1].isNil();
+  if (withMatrix) {
+    Value row = lisp::argList(in, a[1]);
+    for (int i = 0; i < 4; ++i, row = lisp::cdr(row)) {
+      Value col = lisp::car(row);
+      for (int j = 0; j < 4; ++j, col = lisp::cdr(col)) {
+        if (!lisp::car(col).isInt() && !lisp::car(col).isReal()) {
+          acutRelRb(head.rbnext);
+          in.badType("numberp", lisp::car(col));
+        }
+        m[i][j] = lisp::argNum(in, lisp::car(col));
+      }
+    }
+  }
+  int st = acedGrVecs(head.rbnext, withMatrix ? m : nullptr);
+  acutRelRb(head.rbnext);
+  if (st != RTNORM) in.fail(u"bad argument value: " + lisp::prin1String(a[0]));
+  return Value();
+}
+
+// (redraw [entity [mode]]).
+Value fnRedraw(Interp& in, ArgSpan a) {
+  checkArgc(in, a, 0, 2);
+  if (a.size == 0 || a[0].isNil()) {
+    acedRedraw(nullptr, 0);
+    return Value();
+  }
+  int64_t n[2];
+  lisp::argEname(in, a[0], n);
+  int mode = a.size > 1 ? lisp::argInt(in, a[1]) : 1;
+  if (mode < 1 || mode > 4) in.fail(u"bad argument value: " + lisp::prin1String(a[1]));
+  acedRedraw(n, mode);
+  return Value();
+}
+
 }  // namespace
 
 void installCommandFunctions(lisp::Interp& in) {
@@ -282,6 +354,9 @@ void installCommandFunctions(lisp::Interp& in) {
   in.defSubr("getstring", fnGetstring);
   in.defSubr("getkword", fnGetkword);
   in.defSubr("initget", fnInitget);
+  in.defSubr("grdraw", fnGrdraw);
+  in.defSubr("grvecs", fnGrvecs);
+  in.defSubr("redraw", fnRedraw);
   in.setVar("pause", lisp::str(u"\\"));
 
   Commands& c = Commands::get();

@@ -171,7 +171,7 @@ bool writePicture(AcDbDatabase* db, const std::string& path, const PictureOption
     sink.viewHeight = h / view.scale;
     sink.viewCenterX = view.x0 + w / (2 * view.scale);
     sink.viewCenterY = view.y0 + h / (2 * view.scale);
-    drawModelSpace(db, sink);
+    drawModelSpaceWithOverlay(db, sink);
   }
   if (o.frame && hasExt) {
     double ax, ay, bx, by;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/db/memfiler.h"
+#include "host/db/overlay.h"
 #include "host/dbents.h"
 #include "host/dbproxy.h"
 #include "host/dbsymtb.h"
@@ -138,7 +139,9 @@ void drawEntity(AcDbEntity* e, Sink& s, int depth) {
   drawHostEntity(e, s);
 }
 
-void drawModelSpace(AcDbDatabase* db, Sink& s) {
+namespace {
+
+void drawModelSpaceWith(AcDbDatabase* db, Sink& s, const zepk::db::Overlay* overlay) {
   if (!db) return;
   AcDbBlockTable* table = nullptr;
   if (db->getBlockTable(table, AcDb::kForRead) != Acad::eOk) return;
@@ -151,11 +154,43 @@ void drawModelSpace(AcDbDatabase* db, Sink& s) {
   AcDbObjectIdArray ids = rec->entityIds();
   rec->close();
   for (const AcDbObjectId& id : ids) {
+    if (overlay && overlay->hidden.count(id)) continue;
     AcDbEntity* e = nullptr;
     if (acdbOpenObject(e, id, AcDb::kForRead) != Acad::eOk) continue;
+    s.highlight = overlay && overlay->highlighted.count(id);
+    drawEntity(e, s, 0);
+    s.highlight = false;
+    e->close();
+  }
+}
+
+}  // namespace
+
+void drawModelSpace(AcDbDatabase* db, Sink& s) { drawModelSpaceWith(db, s, nullptr); }
+
+void drawModelSpaceWithOverlay(AcDbDatabase* db, Sink& s) {
+  if (!db) return;
+  const zepk::db::Overlay& overlay = zepk::db::overlayOf(db);
+  drawModelSpaceWith(db, s, &overlay);
+  for (const AcDbObjectId& id : overlay.onTop) {
+    AcDbEntity* e = nullptr;
+    if (overlay.hidden.count(id) || acdbOpenObject(e, id, AcDb::kForRead) != Acad::eOk) continue;
     drawEntity(e, s, 0);
     e->close();
   }
+  // Vectors in their colour on no layer, continuous, or dashed when
+  // highlighted.
+  s.setLayer(AcDbObjectId());
+  s.setLineType(AcDbObjectId());
+  s.setLineWeight(AcDb::kLnWtByLwDefault);
+  s.setFillType(kAcGiFillNever);
+  for (const zepk::db::TransientVector& v : overlay.vectors) {
+    s.setColor(static_cast<Adesk::UInt16>(v.color > 0 ? v.color : 7));
+    s.highlight = v.highlight;
+    AcGePoint3d pts[2] = {v.from, v.to};
+    s.polyline(2, pts);
+  }
+  s.highlight = false;
 }
 
 bool modelSpaceExtents(AcDbDatabase* db, double* minX, double* minY, double* maxX, double* maxY) {

@@ -13,6 +13,10 @@ class AcDbEntity;
 namespace zepk::render {
 
 void drawModelSpace(AcDbDatabase* db, Sink& sink);
+// The same as a screen shows it with the drawing's temporary graphics:
+// hidden entities left out, highlighted ones dashed, then the entities
+// drawn again on top and the temporary vectors.
+void drawModelSpaceWithOverlay(AcDbDatabase* db, Sink& sink);
 void drawEntity(AcDbEntity* e, Sink& sink, int depth = 0);
 
 // The extents of what model space draws, on the plan; false when nothing

@@ -185,6 +185,7 @@ Style Sink::resolve() const {
   if (lw == AcDb::kLnWtByLayer) lw = l.lineweight;
   else if (lw == AcDb::kLnWtByBlock) lw = blocks_.empty() ? -3 : blocks_.back().lineweight;
   s.lineweightMm = lw >= 0 ? lw / 100.0 : props_.lwdefaultMm;
+  if (highlight && pixelsPerUnit_ > 0) s.dashes = {6.0 / pixelsPerUnit_, -4.0 / pixelsPerUnit_};
   return s;
 }
 

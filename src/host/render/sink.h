@@ -155,6 +155,8 @@ class Sink : public AcGiWorldDraw, public AcGiWorldGeometry, public AcGiSubEntit
   double viewCenterX = 0.0, viewCenterY = 0.0;
   // How many entities have been drawn (nested ones counted each time).
   long entitiesDrawn = 0;
+  // Highlighted drawing: every line dashed, whatever its linetype.
+  bool highlight = false;
 
  protected:
   // The output: a path stroked with the style, or filled (closed
