@@ -60,6 +60,7 @@ int lispGroupRemove();
 int lispTextGetBox();
 int lispTextGetBox9Pts();
 int lispTextToMText();
+int lispTextFind();
 int lispDocGetVar();
 
 // Hatches.

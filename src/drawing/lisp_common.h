@@ -25,6 +25,9 @@ inline int retName(AcDbObjectId id) {
   return RSRSLT;
 }
 
+// A new selection set of the entities; nil when there are none.
+int retSet(const std::vector<AcDbObjectId>& ids);
+
 inline int retT() {
   acedRetT();
   return RSRSLT;

@@ -11,12 +11,6 @@
 
 namespace zepk::drawing {
 
-namespace {
-
-constexpr Styles kLineBang{MsgStyle::LineBang, MsgStyle::LineBang};
-constexpr Styles kColon{MsgStyle::Colon, MsgStyle::Colon};
-
-// A new selection set of the entities; nil when none is left.
 int retSet(const std::vector<AcDbObjectId>& ids) {
   ads_name ss;
   if (ids.empty() || acedSSAdd(nullptr, nullptr, ss) != RTNORM) return retNil();
@@ -27,6 +21,11 @@ int retSet(const std::vector<AcDbObjectId>& ids) {
   acedRetName(ss, RTPICKS);
   return RSRSLT;
 }
+
+namespace {
+
+constexpr Styles kLineBang{MsgStyle::LineBang, MsgStyle::LineBang};
+constexpr Styles kColon{MsgStyle::Colon, MsgStyle::Colon};
 
 bool contains(const std::vector<AcDbObjectId>& ids, AcDbObjectId id) {
   for (AcDbObjectId x : ids)

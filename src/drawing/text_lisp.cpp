@@ -86,4 +86,34 @@ int lispDocGetVar() {
   return RSRSLT;
 }
 
+// (ZEPK-Text-Find text [replacement] [options] [entities]): the texts,
+// multiline texts and attributes that hold the text, as a selection set;
+// with a replacement (nil for none) each match is replaced. Options: 1
+// letters' case must match, 2 whole words only, 4 the text is a wildcard
+// pattern for the whole text.
+int lispTextFind() {
+  Args a({MsgStyle::Colon, MsgStyle::Colon});
+  std::u16string find, replace;
+  bool replacing = false;
+  int32_t options = 0;
+  std::vector<AcDbObjectId> within;
+  if (!a.string(find)) return RTERROR;
+  if (a.more()) {
+    if (a.type() == RTNIL) a.flag();
+    else if (!a.string(replace)) return RTERROR;
+    else replacing = true;
+  }
+  if (a.more() && !a.integer(options)) return RTERROR;
+  if (a.more() && a.type() == RTNIL) a.flag();
+  else if (a.more() && !a.entities(within)) return RTERROR;
+  if (!a.end()) return RTERROR;
+  if (find.empty()) return frame::failBadArg(MsgStyle::Colon, 1), retNil();
+  if (options < 0 || options > 7) return frame::failBadArg(MsgStyle::Colon, 3), retNil();
+  AcDbObjectIdArray found, selection(within.begin(), within.end());
+  if (acdbTextFind(databaseOr(nullptr), found, find.c_str(), replacing ? replace.c_str() : nullptr,
+                   static_cast<Adesk::UInt8>(options), selection) != Acad::eOk)
+    return retNil();
+  return retSet(std::vector<AcDbObjectId>(found.begin(), found.end()));
+}
+
 }  // namespace zepk::drawing

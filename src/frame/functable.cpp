@@ -413,7 +413,7 @@ constexpr FunctionRow kRows[kFunctionCount] = {
     {u"ZEPK-GrPoint", drawing::lispGrPoint, F26, "point [colour] [size] -> T; a temporary cross at the point, by default a fortieth of the view high"},
     {u"ZEPK-Text-GetBox", drawing::lispTextGetBox, F26, "text [decimals] -> (lower-left upper-right) of its box turned with the text"},
     {u"ZEPK-Text-GetBox9Pts", drawing::lispTextGetBox9Pts, F26, "text -> nine points of its box turned with the text, reading order from the upper left"},
-    {u"ZEPK-Text-Find", nullptr, F26, ""},
+    {u"ZEPK-Text-Find", drawing::lispTextFind, F26, "text [replacement] [options] [entities] -> selection of the texts, multiline texts and attributes holding it (replaced when a replacement is given); options 1 match case, 2 whole words, 4 wildcard pattern for the whole text"},
     {u"ZEPK-Text->MText", drawing::lispTextToMText, F26, "text -> the multiline text that replaces it"},
     {u"ZEPK-PickSet-GetBox", drawing::lispPickSetGetBox, F26, "entities [decimals] -> (lower-left upper-right) of them all"},
     {u"ZEPK-PickSet->List", drawing::lispPickSetToList, F26, "selection set -> list of its entity names"},

@@ -265,12 +265,28 @@ namespace AcDb {
 // segments of a polyline along their own lines or circles).
 enum Intersect { kOnBothOperands = 0, kExtendThis = 1, kExtendArg = 2, kExtendBoth = 3 };
 enum Planarity { kNonPlanar = 0, kPlanar = 1, kLinear = 2 };
+// How acdbTextFind compares: letters in any case unless kTextFindMatchCase;
+// anywhere in the text unless kTextFindWholeWord (not touching a letter or
+// digit); with kTextFindWildcards the whole text must match the pattern
+// (as wcmatch does) and a replacement replaces the whole text.
+enum TextFindFlags { kTextFindMatchCase = 0x01, kTextFindWholeWord = 0x02, kTextFindWildcards = 0x04 };
 }  // namespace AcDb
 
 typedef std::vector<void*> AcDbVoidPtrArray;
 class AcGeCurve3d;
 class AcGePlane;
 class AcDbSpline;
+
+// Finds the texts of the drawing that hold findString: single and
+// multiline texts (their stored contents) in model space and the layouts,
+// and the attributes of block references there; or only the entities of
+// selSet (and their attributes) when it is not empty. With a replacement,
+// each match is replaced; a text that cannot be written (a locked layer)
+// is left out of the result. The ids found go to resultSet in drawing
+// order. eInvalidInput for an empty findString.
+Acad::ErrorStatus acdbTextFind(AcDbDatabase* db, AcDbObjectIdArray& resultSet, const ACHAR* findString,
+                               const ACHAR* replaceString = nullptr, Adesk::UInt8 searchOptions = 0,
+                               const AcDbObjectIdArray& selSet = AcDbObjectIdArray());
 
 // The box of an entity, lower and upper corners.
 class AcDbExtents {
