@@ -78,6 +78,7 @@ int lispEntDraw();
 int lispReDraw();
 int lispDocNew();
 int lispDocOpen();
+int lispFileToText();
 
 // Commands.
 void cmdMyWblock();
@@ -85,5 +86,6 @@ void cmdZkUcs();
 void cmdMtbgf();
 void cmdHatchBoundary();
 void cmdHatchLoop();
+void cmdZepkLock();
 
 }  // namespace zepk::drawing

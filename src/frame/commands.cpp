@@ -129,7 +129,7 @@ const CommandRow kTable2[] = {
     {u"ZEPK_CITORS_COMMANDS", u"ZEPK_ALINES", u"ALINES", 0, nullptr, "Associative objects", "two lines tied by reactors"},
     {u"ZEPK_CITORS_COMMANDS", u"ZEPK_ASSOCAREA", u"ASSOCAREA", 0, nullptr, "Associative objects", "area text tied to a curve"},
     {u"ZEPK_CITORS_COMMANDS", u"ZEPK_DimXYZ", u"DimXyz", 0, nullptr, "Associative objects", "associative coordinate dimension"},
-    {u"ZEPK_CITORS_COMMANDS", u"ZEPKLOCK", u"XXLOCK", 0, nullptr, "Entities, layers and documents", "makes a drawing hard to edit, with a confirmation that it cannot be undone"},
+    {u"ZEPK_CITORS_COMMANDS", u"ZEPKLOCK", u"XXLOCK", 0, drawing::cmdZepkLock, "Entities, layers and documents", "makes a drawing hard to edit, with a confirmation that it cannot be undone: model space becomes one unnamed block that cannot be exploded"},
     {u"ZEPK_CITORS_COMMANDS", u"WmfOutIn", u"WmfOutIn", 0, nullptr, "WMF tools", "turns objects into a WMF and back"},
     {u"ZEPK_CITORS_COMMANDS", u"BZMJ", u"MJZJ", 0, nullptr, "Real estate", "area annotation"},
     {u"ZEPK_CITORS_COMMANDS", u"BZBMJ", u"BMJZJ", 0, nullptr, "Real estate", "area annotation, second form"},

@@ -438,7 +438,7 @@ constexpr FunctionRow kRows[kFunctionCount] = {
     {u"ZEPK-Group-Make", drawing::lispGroupMake, F26, "name [entities] -> T; \"*U\" makes an unnamed group; nil when the name is taken"},
     {u"ZEPK-Group-Remove", drawing::lispGroupRemove, F26, "group-name-or-member entities -> T; the entities taken out of the group"},
     {u"ZEPK-Group-addTo", drawing::lispGroupAddTo, F26, "group-name-or-member entities -> T; the entities added to the group"},
-    {u"c:filett", nullptr, F26, ""},
+    {u"c:filett", drawing::lispFileToText, F26, "command FILETT: the lines of a chosen text file drawn as texts one under another from a picked point, at TEXTSIZE, a line and a half apart"},
     {u"ZEPK-Draw-Text", drawing::lispDrawText, F26, "point text height [rotation] -> the text's entity name"},
     {u"ZEPS-AutoDef", nullptr, F27, ""},
     {u"ZEPS-AutoCheck", nullptr, F27, ""},

@@ -9,6 +9,7 @@
 #include "host/dbmtext.h"
 #include "host/dbpl.h"
 #include "host/dbregion.h"
+#include "host/dbsymtb.h"
 #include "host/editor/cmd_common.h"
 #include "host/editor/commands.h"
 #include "host/editor/input.h"
@@ -246,8 +247,19 @@ bool hadWidth(const AcDbEntity* e) {
   return false;
 }
 
+// Whether the block of a reference allows exploding its references.
+bool blockExplodable(const AcDbEntity* e) {
+  const AcDbBlockReference* r = AcDbBlockReference::cast(e);
+  AcDbBlockTableRecord* rec = nullptr;
+  if (!r || acdbOpenObject(rec, r->blockTableRecord(), AcDb::kForRead) != Acad::eOk) return true;
+  bool ok = rec->explodable();
+  rec->close();
+  return ok;
+}
+
 // Block references give their block's entities, polylines lines and
-// arcs, regions their edges; other kinds (hatches among them) stay.
+// arcs, regions their edges; other kinds (hatches among them) stay, and
+// so do references to a block that is not explodable.
 void cmdExplode() {
   std::vector<AcDbObjectId> ids;
   if (!selectObjects(&ids) || ids.empty()) return;
@@ -259,8 +271,8 @@ void cmdExplode() {
       ++failed;
       continue;
     }
-    bool kind = (AcDbBlockReference::cast(e) && !AcDbMInsertBlock::cast(e)) || AcDbPolyline::cast(e) ||
-                AcDb2dPolyline::cast(e) || AcDb3dPolyline::cast(e) || AcDbRegion::cast(e);
+    bool kind = (AcDbBlockReference::cast(e) && !AcDbMInsertBlock::cast(e) && blockExplodable(e)) ||
+                AcDbPolyline::cast(e) || AcDb2dPolyline::cast(e) || AcDb3dPolyline::cast(e) || AcDbRegion::cast(e);
     AcDbVoidPtrArray pieces;
     Acad::ErrorStatus es = kind ? e->explode(pieces) : Acad::eNotApplicable;
     bool width = es == Acad::eOk && hadWidth(e);
