@@ -15,6 +15,7 @@
 #include <string>
 
 #include "host/acgi.h"
+#include "host/db/overlay.h"
 #include "host/dbhatch.h"
 #include "host/dbmtext.h"
 #include "host/dbpl.h"
@@ -216,6 +217,37 @@ TEST_F(Picture, ColoursAndLayers) {
   render();
   EXPECT_EQ(at(50, 60.125), kWhite);
   EXPECT_EQ(at(50, 15), kBlack);
+}
+
+// What a program draws for the moment: a hidden entity is left out, one
+// drawn on top covers what is over it, vectors show in their colour, a
+// highlighted entity is dashed; a full redraw takes all of it away.
+TEST_F(Picture, TemporaryGraphicsUntilTheNextRedraw) {
+  AcDbObjectId hidden = d_.append(line(10, 10.125, 90, 10.125, 1));
+  AcDbObjectId under = d_.append(line(10, 20.125, 90, 20.125, 5));
+  AcDbObjectId highlighted = d_.append(line(10, 40.125, 90, 40.125, 1));
+  d_.append(line(50.125, 15, 50.125, 45, 3));  // green, crossing the blue line after it
+  zepk::db::Overlay& overlay = zepk::db::overlayOf(d_.db());
+  overlay.hidden.insert(hidden);
+  overlay.highlighted.insert(highlighted);
+  AcDbEntity* e = nullptr;
+  ASSERT_EQ(acdbOpenObject(e, under, AcDb::kForRead), Acad::eOk);
+  EXPECT_EQ(e->draw(), Acad::eOk);
+  e->close();
+  overlay.vectors.push_back({AcGePoint3d(10, 30.125, 0), AcGePoint3d(90, 30.125, 0), 3, false});
+  render();
+  EXPECT_EQ(at(30, 10.125), kWhite);
+  EXPECT_EQ(at(50.125, 20.125), kBlue);  // drawn again over the green line
+  EXPECT_EQ(at(30, 30.125), kGreen);
+  int red = 0, gaps = 0;
+  for (double x = 12; x < 88; x += 0.25) (at(x, 40.125) == kRed ? red : gaps)++;
+  EXPECT_GT(red, 40);
+  EXPECT_GT(gaps, 20);
+  overlay.clear();
+  render();
+  EXPECT_EQ(at(30, 10.125), kRed);
+  EXPECT_EQ(at(30, 30.125), kWhite);
+  EXPECT_EQ(at(50.125, 20.125), kGreen);
 }
 
 TEST_F(Picture, BlocksByBlockNestedAndInGrids) {
