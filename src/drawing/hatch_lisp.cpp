@@ -35,6 +35,7 @@ std::vector<AcDbObjectId> loopsAsPolylines(const AcDbHatch& h, int only = -1) {
   for (size_t i = 0; i < loops.size(); ++i) {
     if (only >= 0 && static_cast<int>(i) != only) continue;
     AcDbPolyline* pl = newLwPolyline(loops[i]);
+    pl->setNormal(h.normal());
     pl->setPropertiesFrom(&h);
     AcDbObjectId id;
     if (appendToOwner(pl, h.ownerId(), id) == Acad::eOk) made.push_back(id);

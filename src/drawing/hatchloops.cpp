@@ -87,9 +87,6 @@ void appendEdge(const AcDbHatch::Edge& e, std::vector<AcGePoint2d>& pts, std::ve
 
 std::vector<PolylineData> hatchLoops(const AcDbHatch& hatch) {
   std::vector<PolylineData> out;
-  AcGeVector3d normal = hatch.normal();
-  bool plain = normal.isParallelTo(AcGeVector3d::kZAxis) && normal.z > 0;
-  AcGeMatrix3d toWorld = plain ? AcGeMatrix3d() : AcGeMatrix3d::planeToWorld(normal);
   for (int i = 0; i < hatch.numLoops(); ++i) {
     const AcDbHatch::Loop& loop = hatch.loopAt(i);
     std::vector<AcGePoint2d> pts;
@@ -105,11 +102,7 @@ std::vector<PolylineData> hatchLoops(const AcDbHatch& hatch) {
     PolylineData d;
     d.closed = true;
     d.bulges = bulges;
-    for (const AcGePoint2d& p : pts) {
-      AcGePoint3d q(p.x, p.y, hatch.elevation());
-      if (!plain) q.transformBy(toWorld);
-      d.points.push_back(q);
-    }
+    for (const AcGePoint2d& p : pts) d.points.emplace_back(p.x, p.y, hatch.elevation());
     out.push_back(std::move(d));
   }
   return out;

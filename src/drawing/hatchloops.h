@@ -8,7 +8,9 @@
 
 namespace zepk::drawing {
 
-// Each loop of the hatch as a closed polyline in world coordinates:
+// Each loop of the hatch as a closed polyline in the hatch's own plane
+// (x and y of its coordinate system, z its elevation; world coordinates
+// for a hatch seen from above):
 // polyline loops as they are; edge loops with lines and circular arcs
 // exact (an arc becomes a bulge), elliptical arcs and splines by points
 // along them.

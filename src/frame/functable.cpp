@@ -433,7 +433,7 @@ constexpr FunctionRow kRows[kFunctionCount] = {
     {u"ZEPK-GrDrawLines", drawing::lispGrDrawLines, F26, "points [colour] [closed] [highlight] -> T; temporary vectors through the points until the next redraw"},
     {u"ZEPK-TransFormBy", drawing::lispTransformBy, F26, "entities matrix -> T; transformed in place"},
     {u"ZEPK-TransFormByCopy", drawing::lispTransformByCopy, F26, "entities matrix -> names of the transformed copies"},
-    {u"ZEPK-Hatch-getLoop", drawing::lispHatchGetLoop, F26, "hatch -> its loops, each a list of vertices (x y bulge)"},
+    {u"ZEPK-Hatch-getLoop", drawing::lispHatchGetLoop, F26, "hatch -> its loops, each a list of vertices (x y bulge) in the hatch's own plane"},
     {u"ZEPK-Hatch-AppendLoop", drawing::lispHatchAppendLoop, F26, "hatch closed-curves-or-points -> T; added as outer loops"},
     {u"ZEPK-Group-Make", drawing::lispGroupMake, F26, "name [entities] -> T; \"*U\" makes an unnamed group; nil when the name is taken"},
     {u"ZEPK-Group-Remove", drawing::lispGroupRemove, F26, "group-name-or-member entities -> T; the entities taken out of the group"},

@@ -21,6 +21,15 @@
 (setq n (sslength (ssget "X" '((0 . "LWPOLYLINE")))))
 (command "ZK_HB" "L" "")
 (- (sslength (ssget "X" '((0 . "LWPOLYLINE")))) n)
+; A hatch seen from below: its loops stay in its own plane, and the
+; polyline made of one lies where the hatch does.
+(type (setq hb (entmakex '((0 . "HATCH") (100 . "AcDbEntity") (8 . "HATCH") (100 . "AcDbHatch") (10 0.0 0.0 0.0)
+              (210 0.0 0.0 -1.0) (2 . "SOLID") (70 . 1) (71 . 0) (91 . 1) (92 . 3) (72 . 0) (73 . 1) (93 . 3)
+              (10 2.0 0.0) (10 6.0 0.0) (10 6.0 3.0) (97 . 0) (75 . 0) (76 . 1) (98 . 0)))))
+(ZEPK-Hatch-getLoop hb)
+(command "ZK_HB" "L" "")
+(mapcar '(lambda (g) (cdr (assoc g (entget (entlast))))) '(10 210))
+(mapcar '(lambda (p) (trans p (entlast) 0)) (list (cdr (assoc 10 (entget (entlast))))))
 ; Messages.
 (ZEPK-Hatch-AppendLoop h (list (ZEPK-Make-Line '(0 0) '(1 1))))
 (ZEPK-Hatch-AppendLoop h '((0 0) (1 1)))
