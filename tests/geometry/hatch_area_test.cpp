@@ -93,6 +93,22 @@ TEST(HatchArea, LoopsOfEveryKindCountExactly) {
   AcDbHatch open;
   open.appendLoop(AcDbHatch::kExternal, {line(0, 0, 4, 0), line(4, 0, 4, 3)});
   EXPECT_NEAR(areaOf(open), 6, 1e-12);
+  // A spline known by its fit points runs through them: twenty-four points
+  // on a circle close to the circle's area. Knots that do not fit the
+  // control points make no curve, and the loop's other edges still count.
+  Edge fit;
+  fit.type = AcDbHatch::kSpline;
+  for (int k = 0; k <= 24; ++k) fit.fitPoints.emplace_back(3 * std::cos(k * kPi / 12), 3 * std::sin(k * kPi / 12));
+  AcDbHatch round;
+  round.appendLoop(AcDbHatch::kExternal, {fit});
+  EXPECT_NEAR(areaOf(round), 9 * kPi, 9 * kPi * 1e-3);
+  Edge bad;
+  bad.type = AcDbHatch::kSpline;
+  bad.controlPoints = {{0, 0}, {1, 5}, {2, 0}};
+  bad.knots = {0, 1};
+  AcDbHatch broken;
+  broken.appendLoop(AcDbHatch::kExternal, {line(0, 0, 4, 0), line(4, 0, 4, 3), bad});
+  EXPECT_NEAR(areaOf(broken), 6, 1e-12);
   // No loops, no area.
   EXPECT_EQ(areaOf(AcDbHatch()), 0.0);
 }

@@ -63,16 +63,30 @@ AcGePoint2d addArcEdge(Ring& r, const AcGePoint2d& c, const AcGeVector2d& u, con
 // Adds the spline's samples; false when it has none.
 bool addSpline(Ring& r, const AcDbHatch::Edge& e, AcGePoint2d& end) {
   AcGePoint3dArray pts;
-  if (!e.controlPoints.empty()) {
-    AcGePoint3dArray cps;
-    for (const AcGePoint2d& p : e.controlPoints) cps.emplace_back(p.x, p.y, 0.0);
+  AcGePoint3dArray cps;
+  for (const AcGePoint2d& p : e.controlPoints) cps.emplace_back(p.x, p.y, 0.0);
+  AcGeNurbCurve3d nc;
+  if (!cps.empty()) {
     AcGeDoubleArray knots(e.knots.begin(), e.knots.end());
-    AcGeNurbCurve3d nc = e.rational && e.weights.size() == cps.size()
-                             ? AcGeNurbCurve3d(e.degree, knots, cps, AcGeDoubleArray(e.weights.begin(), e.weights.end()), e.periodic)
-                             : AcGeNurbCurve3d(e.degree, knots, cps, e.periodic);
+    nc = e.rational && e.weights.size() == cps.size()
+             ? AcGeNurbCurve3d(e.degree, knots, cps, AcGeDoubleArray(e.weights.begin(), e.weights.end()), e.periodic)
+             : AcGeNurbCurve3d(e.degree, knots, cps, e.periodic);
+  } else if (e.fitPoints.size() >= 2) {
+    // A spline known by its fit points runs through them, with the end
+    // tangents the file gives.
+    AcGePoint3dArray fit;
+    for (const AcGePoint2d& p : e.fitPoints) fit.emplace_back(p.x, p.y, 0.0);
+    nc = AcGeNurbCurve3d(fit, AcGeVector3d(e.startTangent.x, e.startTangent.y, 0.0),
+                         AcGeVector3d(e.endTangent.x, e.endTangent.y, 0.0), e.hasStartTangent, e.hasEndTangent,
+                         e.degree > 0 ? e.degree : 3);
+  }
+  // Data that makes no curve (knots that do not fit) leaves it empty.
+  if (nc.numControlPoints() > 0) {
     double lo = 0, hi = 0;
     nc.getInterval(lo, hi);
     // The curve lies within its control points: their spread is its size.
+    cps.clear();
+    for (int i = 0; i < nc.numControlPoints(); ++i) cps.push_back(nc.controlPointAt(i));
     double x0 = cps[0].x, x1 = x0, y0 = cps[0].y, y1 = y0;
     for (const AcGePoint3d& p : cps) x0 = std::min(x0, p.x), x1 = std::max(x1, p.x), y0 = std::min(y0, p.y), y1 = std::max(y1, p.y);
     const double size = std::hypot(x1 - x0, y1 - y0);
@@ -81,7 +95,7 @@ bool addSpline(Ring& r, const AcDbHatch::Edge& e, AcGePoint2d& end) {
       nc.getSamplePoints(lo, hi, std::max(size * kSplineChord, 1e-9), pts, params);
   }
   if (pts.empty()) {
-    // A spline known by its fit points only runs through them.
+    // No curve could be made of the data: the fit points stand for it.
     for (const AcGePoint2d& p : e.fitPoints) pts.emplace_back(p.x, p.y, 0.0);
   }
   for (size_t k = 0; k + 1 < pts.size(); ++k)
