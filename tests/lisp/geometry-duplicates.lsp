@@ -6,10 +6,10 @@
 (defun bulges (e / out)
   (foreach g (entget e) (if (= (car g) 42) (setq out (cons (cdr g) out))))
   (reverse out))
-(setq pl (entmakex '((0 . "LWPOLYLINE") (100 . "AcDbEntity") (100 . "AcDbPolyline") (90 . 7) (70 . 1)
+(type (setq pl (entmakex '((0 . "LWPOLYLINE") (100 . "AcDbEntity") (100 . "AcDbPolyline") (90 . 7) (70 . 1)
                      (10 0.0 0.0) (42 . 0.0) (10 5.0 0.0) (42 . 0.0) (10 10.0 0.0) (42 . 0.5)
                      (10 10.000001 0.0) (42 . 0.0) (10 10.0 10.0) (42 . 0.0) (10 0.0 10.0) (42 . 0.0)
-                     (10 0.0 0.0) (42 . 0.0))))
+                     (10 0.0 0.0) (42 . 0.0)))))
 ; Repeats go (the closing copy of the start too), the arc stays.
 (ZEPK-Poly-DumpPoint pl)
 (verts pl)
@@ -19,8 +19,8 @@
 (verts pl)
 (bulges pl)
 ; A coarser tolerance takes nearer points as repeats.
-(setq p2 (entmakex '((0 . "LWPOLYLINE") (100 . "AcDbEntity") (100 . "AcDbPolyline") (90 . 4) (70 . 0)
-                     (10 0.0 0.0) (10 3.0 4.0) (10 3.05 4.0) (10 9.0 0.0))))
+(type (setq p2 (entmakex '((0 . "LWPOLYLINE") (100 . "AcDbEntity") (100 . "AcDbPolyline") (90 . 4) (70 . 0)
+                     (10 0.0 0.0) (10 3.0 4.0) (10 3.05 4.0) (10 9.0 0.0)))))
 (ZEPK-Poly-DumpPoint (ssadd p2 (ssadd)) 0.01)
 (verts p2)
 (ZEPK-Poly-DumpPoint (ssadd p2 (ssadd)) 0.1)
@@ -32,8 +32,9 @@
 (entmake '((0 . "VERTEX") (100 . "AcDbEntity") (100 . "AcDbVertex") (100 . "AcDb3dPolylineVertex") (10 4.0 0.0 1.0) (70 . 32)))
 (entmake '((0 . "VERTEX") (100 . "AcDbEntity") (100 . "AcDbVertex") (100 . "AcDb3dPolylineVertex") (10 4.0 3.0 2.0) (70 . 32)))
 (entmake '((0 . "SEQEND")))
-(setq p3 (entlast))
+(type (setq p3 (entlast)))
 (ZEPK-Poly-DumpPoint p3)
+(progn (setq e (entnext p3) out nil) (while (= (cdr (assoc 0 (entget e))) "VERTEX") (setq out (cons (cdr (assoc 10 (entget e))) out) e (entnext e))) (reverse out))
 (ZEPK-Curve-Length p3)
 (ZEPK-Curve-getEndParam p3)
 (ZEPK-Curve-getPointAtParam p3 1.0)
@@ -45,7 +46,7 @@
 (entmake '((0 . "VERTEX") (100 . "AcDbEntity") (100 . "AcDbVertex") (100 . "AcDb2dVertex") (10 10.0 10.0 0.0)))
 (entmake '((0 . "VERTEX") (100 . "AcDbEntity") (100 . "AcDbVertex") (100 . "AcDb2dVertex") (10 0.0 0.0 0.0)))
 (entmake '((0 . "SEQEND")))
-(setq p2d (entlast))
+(type (setq p2d (entlast)))
 (ZEPK-Curve-Length p2d)
 (ZEPK-Poly-DumpPoint p2d)
 (ZEPK-Curve-getEndParam p2d)
@@ -59,7 +60,7 @@
 
 ; Repeated curves: a line and its copy drawn the other way, an arc twice,
 ; a circle on another layer, a polyline and one a little longer.
-(setq a (entmakex '((0 . "LINE") (10 0.0 0.0 0.0) (11 10.0 5.0 0.0)))
+(type (setq a (entmakex '((0 . "LINE") (10 0.0 0.0 0.0) (11 10.0 5.0 0.0)))
       b (entmakex '((0 . "LINE") (10 10.0 5.0 0.0) (11 0.0 0.0 0.0)))
       c (entmakex '((0 . "ARC") (10 0.0 0.0 0.0) (40 . 5.0) (50 . 0.0) (51 . 1.0)))
       d (entmakex '((0 . "ARC") (10 0.0 0.0 0.0) (40 . 5.0) (50 . 0.0) (51 . 1.0)))
@@ -70,7 +71,7 @@
       h (entmakex '((0 . "LWPOLYLINE") (100 . "AcDbEntity") (100 . "AcDbPolyline") (90 . 3) (70 . 0)
                     (10 4.0 4.0) (10 4.0 0.0) (42 . -1.0) (10 0.0 0.0)))
       i (entmakex '((0 . "LWPOLYLINE") (100 . "AcDbEntity") (100 . "AcDbPolyline") (90 . 3) (70 . 0)
-                    (10 0.0 0.0) (42 . 1.0) (10 4.0 0.0) (10 4.0 4.001))))
+                    (10 0.0 0.0) (42 . 1.0) (10 4.0 0.0) (10 4.0 4.001)))))
 (setq ss (ssadd))
 (foreach x (list a b c d e f g h i) (ssadd x ss))
 ; With the layer checked the two circles are not repeats.

@@ -967,8 +967,8 @@ AcDbObjectId nextEntity(AcDbDatabase* db, AcDbObjectId id) {
   if (!ent) return {};
   // Into a complex entity: its first part, or its SEQEND.
   if (hasSubentities(ent.object())) {
-    AcDbObjectIdArray parts = subentityIds(ent.object());
-    if (!parts.empty()) return parts.front();
+    AcDbObjectId part = firstLive(subentityIds(ent.object()), 0);
+    if (!part.isNull()) return part;
     AcDbObjectId end = sequenceEndId(ent.object());
     if (!end.isNull()) return end;
   }
@@ -981,7 +981,10 @@ AcDbObjectId nextEntity(AcDbDatabase* db, AcDbObjectId id) {
     AcDbObjectIdArray parts = subentityIds(ownerEnt.object());
     AcDbObjectId end = sequenceEndId(ownerEnt.object());
     auto at = std::find(parts.begin(), parts.end(), id);
-    if (at != parts.end()) return at + 1 != parts.end() ? *(at + 1) : end;
+    if (at != parts.end()) {
+      AcDbObjectId next = firstLive(parts, static_cast<size_t>(at - parts.begin()) + 1);
+      return next.isNull() ? end : next;
+    }
     if (id != end) return {};
     id = owner;
     owner = ownerEnt->ownerId();
