@@ -1047,8 +1047,32 @@ class AcDb2dPolyline : public AcDbCurve {
   ~AcDb2dPolyline() override;
 
   AcDb::Poly2dType polyType() const;
-  // Sets the flags of the type (fitting itself comes with the geometry).
+  // Makes the polyline of the type, fitting or straightening its vertices
+  // (the same as convertToPolyType).
   Acad::ErrorStatus setPolyType(AcDb::Poly2dType type);
+  Acad::ErrorStatus convertToPolyType(AcDb::Poly2dType type);
+
+  // Fitting. The polyline must be open for write when it is in a database
+  // (eNotOpenForWrite). Vertices made by an earlier fit are removed first;
+  // the vertices of the polyline as drawn before any fit (a spline's frame)
+  // keep their ids.
+  //
+  // Curve fit: a pair of arcs per segment through every vertex, tangent
+  // to each other at an inserted curve-fit vertex; the tangent at a vertex
+  // is its own where one was set (useTangent), else the tangent of the
+  // circle through it and its neighbours. Bulges and widths are set.
+  Acad::ErrorStatus curveFit();
+  // Spline fit: the vertices become the frame (spline control vertices,
+  // kept but not drawn) of a uniform B-spline, clamped at the ends of an
+  // open polyline and periodic on a closed one, and splineSegs spline-fit
+  // vertices per frame edge follow them. The plain form takes the type and
+  // the count from the drawing's SPLINETYPE (5 quadratic, 6 cubic) and
+  // SPLINESEGS (8 by default; a negative count fits as many segments).
+  Acad::ErrorStatus splineFit();
+  Acad::ErrorStatus splineFit(AcDb::Poly2dType splineType, Adesk::Int16 splineSegs);
+  // Removes the fitted vertices: back to the frame or the vertices as they
+  // were, with straight segments.
+  Acad::ErrorStatus straighten();
   bool isClosed() const override { return flags_ & AcDbPolylineFlags::kClosed; }
   Acad::ErrorStatus makeClosed();
   Acad::ErrorStatus makeOpen();
@@ -1104,6 +1128,9 @@ class AcDb2dPolyline : public AcDbCurve {
   double thickness_ = 0.0;
   AcGeVector3d normal_ = AcGeVector3d(0, 0, 1);
   mutable std::unique_ptr<zepk::db::OwnedSequence> seq_;
+
+  void setTypeFlags(AcDb::Poly2dType type);
+  Acad::ErrorStatus refit(AcDb::Poly2dType type, int splineSegs);
 };
 
 // A 3D polyline (POLYLINE with flag 8) and its AcDb3dPolylineVertex objects.

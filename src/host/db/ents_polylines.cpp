@@ -323,7 +323,6 @@ AcDb2dPolyline::~AcDb2dPolyline() = default;
 AcDb2dPolyline::AcDb2dPolyline(AcDb::Poly2dType type, const AcGePoint3dArray& vertices, double elevation,
                                bool closed, double defStartWidth, double defEndWidth, const AcGeDoubleArray* bulges)
     : elevationPoint_(0, 0, elevation), defaultStartWidth_(defStartWidth), defaultEndWidth_(defEndWidth) {
-  setPolyType(type);
   if (closed) flags_ = static_cast<int16_t>(flags_ | AcDbPolylineFlags::kClosed);
   for (size_t i = 0; i < vertices.size(); ++i) {
     double bulge = bulges && i < bulges->size() ? (*bulges)[i] : 0.0;
@@ -331,6 +330,8 @@ AcDb2dPolyline::AcDb2dPolyline(AcDb::Poly2dType type, const AcGePoint3dArray& ve
                                defEndWidth);
     if (zepk::db::appendSubentity(this, v, nullptr) != Acad::eOk) delete v;
   }
+  // The vertices given are those of the polyline before fitting.
+  if (type != AcDb::k2dSimplePoly) convertToPolyType(type);
 }
 
 zepk::db::OwnedSequence* AcDb2dPolyline::ownedSequence() const { return lazy(seq_).get(); }
@@ -341,8 +342,7 @@ AcDb::Poly2dType AcDb2dPolyline::polyType() const {
   return AcDb::k2dSimplePoly;
 }
 
-Acad::ErrorStatus AcDb2dPolyline::setPolyType(AcDb::Poly2dType type) {
-  assertWriteEnabled();
+void AcDb2dPolyline::setTypeFlags(AcDb::Poly2dType type) {
   int f = flags_ & ~(AcDbPolylineFlags::kCurveFit | AcDbPolylineFlags::kSplineFit);
   curveType_ = 0;
   switch (type) {
@@ -358,7 +358,6 @@ Acad::ErrorStatus AcDb2dPolyline::setPolyType(AcDb::Poly2dType type) {
     default: break;
   }
   flags_ = static_cast<int16_t>(f);
-  return Acad::eOk;
 }
 
 #define ZEPK_FLAG(CLASS, NAME, BIT, ON)                                              \

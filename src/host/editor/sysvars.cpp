@@ -169,6 +169,8 @@ const std::vector<Def>& table() {
     v.push_back(ranged("MEASUREMENT", false, u"$MEASUREMENT", 70, 0, 0, 1));
     v.push_back(ranged("HIGHLIGHT", false, nullptr, 0, 1, 0, 1));
     v.push_back(real("PLINEWID", u"$PLINEWID", 40, 0.0, Rule::NonNegative));
+    v.push_back(ranged("SPLINESEGS", false, u"$SPLINESEGS", 70, 8, -32768, 32767));
+    v.push_back(ranged("SPLINETYPE", false, u"$SPLINETYPE", 70, 6, 5, 6));
     v.push_back(withRule(text("CTAB", false, nullptr, 0, u"Model"), Rule::Layout));
     v.push_back(ranged("DIMZIN", false, u"$DIMZIN", 70, 0, 0, 15));
     v.push_back(ranged("UNITMODE", false, u"$UNITMODE", 70, 0, 0, 1));
