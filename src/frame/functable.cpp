@@ -10,6 +10,7 @@
 #include "frame/input.h"
 #include "frame/views.h"
 #include "geometry/lisp.h"
+#include "geometry/poly2d_lisp.h"
 #include "services/lisp.h"
 #include "services/strings_lisp.h"
 #include "services/system_lisp.h"
@@ -263,7 +264,7 @@ constexpr FunctionRow kRows[kFunctionCount] = {
     {u"ZEPK-Poly-AddVertex", geometry::lispPolyAddVertex, F8, "polyline index point [bulge] -> T"},
     {u"ZEPK-Poly-GetData", geometry::lispPolyGetData, F8, "curve [segments-per-arc] -> ((points) (bulges))"},
     {u"ZEPK-Poly-OrderByIndex", geometry::lispPolyOrderByIndex, F8, "closed polyline index -> T; it starts at that vertex"},
-    {u"ZEPK-Poly->2dPoly", nullptr, F8, ""},
+    {u"ZEPK-Poly->2dPoly", geometry::lispPolyTo2dPoly, F8, "entity, selection or list of curves [keep] -> the new 2D polyline, a selection or a list of them; without keep (or with nil) each source is erased, with keep it stays; a 2D polyline stands for itself"},
     {u"ZEPK-GetIntersPoints", geometry::lispGetIntersPoints, F8, "curves -> every point where two of them meet, once"},
     {u"ZEPK-getArea", geometry::lispGetArea, F8, "list of points (signed area), curve, region or hatch -> area"},
     {u"ZEPK-Curve-Relation", nullptr, F9, ""},

@@ -537,6 +537,12 @@ Acad::ErrorStatus AcDbCurve::getArea(double& area) const {
   AcGePoint3d o = c.evalPoint(g.lo);
   AcGeVector3d total;
   std::vector<double> pieces = zepk::ge::smoothPieces(c, g.lo, g.hi);
+  // A piece whose integrand is zero but for rounding (a straight piece
+  // through the start point, a component across the curve's plane) must
+  // not be refined for ever: below a tolerance on the curve's scale it is
+  // done.
+  const double scale = c.length(g.lo, g.hi);
+  const double absTol = 1e-15 * scale * scale;
   for (size_t k = 0; k + 1 < pieces.size(); ++k) {
     for (int axis = 0; axis < 3; ++axis) {
       total[axis] += zepk::ge::integrate(
@@ -545,7 +551,7 @@ Acad::ErrorStatus AcDbCurve::getArea(double& area) const {
             AcGePoint3d p = c.evalPoint(t, 1, d);
             return (p - o).crossProduct(d[0])[axis];
           },
-          pieces[k], pieces[k + 1], 1e-13);
+          pieces[k], pieces[k + 1], 1e-13, absTol);
     }
   }
   area = 0.5 * total.length();

@@ -109,36 +109,27 @@ Biarc biarc(Pt a, Pt ta, Pt b, Pt tb) {
   Pt v = sub(b, a);
   ta = unit(ta);
   tb = unit(tb);
-  double vv = dot(v, v);
-  if (vv <= kTiny * kTiny) {
-    r.joint = a;
-    r.jointTangent = ta;
-    return r;
-  }
-  // Equal tangent lengths d: |v - d (ta + tb)| = 2 d.
-  Pt t = add(ta, tb);
-  double qa = dot(t, t) - 4.0, qb = -2.0 * dot(v, t), qc = vv;
-  double d = -1.0;
-  if (std::fabs(qa) > 1e-12) {
-    double disc = qb * qb - 4.0 * qa * qc;
-    if (disc >= 0) d = (-qb - std::sqrt(disc)) / (2.0 * qa);
-  } else if (std::fabs(qb) > kTiny) {
-    d = -qc / qb;
-  }
-  if (!(d > 0) || !std::isfinite(d)) {
-    // No pair of arcs of that kind (parallel tangents across the chord):
-    // joint at the chord's middle, each arc keeps its own end's tangent.
+  const double l = len(v);
+  if (l <= kTiny || len(ta) <= kTiny || len(tb) <= kTiny) {
     r.joint = scale(add(a, b), 0.5);
-    r.bulge1 = bulgeFromTangent(a, ta, r.joint);
-    r.bulge2 = -bulgeFromTangent(b, scale(tb, -1.0), r.joint);
-    r.jointTangent = unit(sub(b, a));
+    r.jointTangent = unit(v);
     return r;
   }
-  Pt p1 = add(a, scale(ta, d)), p2 = sub(b, scale(tb, d));
-  r.joint = scale(add(p1, p2), 0.5);
-  r.jointTangent = unit(sub(p2, p1));
-  if (len(r.jointTangent) <= kTiny) r.jointTangent = ta;
+  // The joints of all pairs of arcs that fit the two tangents lie on one
+  // circle through a and b, which leaves a at half the difference of the
+  // tangents' angles to the chord. Its point halfway between a and b keeps
+  // the two arcs alike in size however the tangents turn.
+  double thA = std::atan2(cross(v, ta), dot(v, ta));
+  double thB = std::atan2(cross(v, tb), dot(v, tb));
+  double phi = 0.5 * (thA - thB);
+  Pt left{-v.y / l, v.x / l};
+  r.joint = add(scale(add(a, b), 0.5), scale(left, 0.5 * l * std::tan(phi / 2.0)));
   r.bulge1 = bulgeFromTangent(a, ta, r.joint);
+  // The first arc ends turned from its chord as far as it started, the
+  // other way.
+  Pt c = unit(sub(r.joint, a));
+  double psi = std::atan2(cross(c, ta), dot(c, ta));
+  r.jointTangent = {c.x * std::cos(-psi) - c.y * std::sin(-psi), c.x * std::sin(-psi) + c.y * std::cos(-psi)};
   r.bulge2 = bulgeFromTangent(r.joint, r.jointTangent, b);
   return r;
 }

@@ -510,11 +510,11 @@ double adapt(const std::function<double(double)>& f, double a, double b, double 
 
 }  // namespace
 
-double integrate(const std::function<double(double)>& f, double a, double b, double relTol) {
+double integrate(const std::function<double(double)>& f, double a, double b, double relTol, double absTol) {
   if (a == b) return 0.0;
   double k, err;
   gk15(f, a, b, k, err);
-  double tol = std::max(std::fabs(k) * relTol, 1e-300);
+  double tol = std::max({std::fabs(k) * relTol, absTol, 1e-300});
   if (err <= tol) return k;
   double m = 0.5 * (a + b);
   return adapt(f, a, m, tol * 0.5, 1) + adapt(f, m, b, tol * 0.5, 1);

@@ -73,7 +73,9 @@ int intersectCircles(double c1x, double c1y, double r1, double c2x, double c2y, 
 
 // ---- Measures.
 
-// The integral of f over [a, b], adaptive Gauss-Kronrod to a relative tolerance.
-double integrate(const std::function<double(double)>& f, double a, double b, double relTol = 1e-12);
+// The integral of f over [a, b], adaptive Gauss-Kronrod to a relative
+// tolerance, or to the absolute one when that is larger.
+double integrate(const std::function<double(double)>& f, double a, double b, double relTol = 1e-12,
+                 double absTol = 0.0);
 
 }  // namespace zepk::ge
