@@ -5,6 +5,7 @@
 #include "frame/commands.h"
 
 #include "drawing/lisp.h"
+#include "drawing/poly2d_cmd.h"
 #include "frame/callbacks.h"
 #include "frame/smallcmds.h"
 
@@ -79,7 +80,7 @@ const CommandRow kTable2[] = {
     {u"ZEPK_ADDENTITY_COMMANDS", u"PJion", u"PJion", 1, nullptr, "Joining", "joins curves"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"ZK_HATCHB", u"ZK_HB", 1, drawing::cmdHatchBoundary, "Entities, layers and documents", "boundary of a hatch"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"ZKUCS", u"ZKUCS", 1, drawing::cmdZkUcs, "Entities, layers and documents", "makes a named coordinate system from three points"},
-    {u"ZEPK_ADDENTITY_COMMANDS", u"2dPl", u"2dPl", 1, nullptr, "Entities, layers and documents", "two-dimensional polyline by type"},
+    {u"ZEPK_ADDENTITY_COMMANDS", u"2dPl", u"2dPl", 1, drawing::cmd2dPl, "Entities, layers and documents", "two-dimensional polyline by type: the selected polylines (lightweight ones converted) become 2D polylines simple, curve-fit, quadratic or cubic spline"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"ss2blk", u"ss2blk", 1, nullptr, "Blocks, attributes and extended data", "selection to a block"},
     {u"ZEPK_CITORS_COMMANDS", u"UnRegZEPK", u"UnRegZEPK", 0, cmdUnRegZepk, "Application", "deletes the application's record from the host's registry"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"CurveBrk", u"CurveBrk", 1, nullptr, "Breaking and splitting", "breaks curves, keywords \"Self Other\""},

@@ -47,10 +47,9 @@ AcDbObjectId appendBeside(const AcDbEntity* source, AcDbEntity* made) {
   return id;
 }
 
-// The 2D polyline standing for the curve: a 2D polyline is itself; any
-// other curve gets a new one beside it, and unless kept is erased. Null
-// when it cannot be made.
-AcDbObjectId convertOne(AcDbObjectId id, bool keep) {
+}  // namespace
+
+AcDbObjectId curveTo2dPoly(AcDbObjectId id, bool keep) {
   AcDbObjectPointer<AcDbCurve> c(id, keep ? AcDb::kForRead : AcDb::kForWrite);
   if (c.openStatus() != Acad::eOk) return AcDbObjectId::kNull;
   if (AcDb2dPolyline::cast(c.object())) return id;
@@ -60,6 +59,8 @@ AcDbObjectId convertOne(AcDbObjectId id, bool keep) {
   if (!out.isNull() && !keep) c->erase();
   return out;
 }
+
+namespace {
 
 int retSet(const std::vector<AcDbObjectId>& ids) {
   ads_name ss;
@@ -83,7 +84,7 @@ int lispPolyTo2dPoly() {
   if (!a.end()) return RTERROR;
   std::vector<AcDbObjectId> made;
   for (const AcDbObjectId& id : ids) {
-    AcDbObjectId m = convertOne(id, keep);
+    AcDbObjectId m = curveTo2dPoly(id, keep);
     if (!m.isNull()) made.push_back(m);
   }
   if (form == RTENAME) {

@@ -1,0 +1,45 @@
+; Curves become old-style 2D polylines: the same vertices, bulges, widths,
+; elevation, closed flag, layer and extended data; the source erased unless
+; kept; one name, a selection or a list in, the same form out.
+(regapp "ZKTEST")
+(entmake '((0 . "LWPOLYLINE") (100 . "AcDbEntity") (8 . "ROADS") (62 . 3) (100 . "AcDbPolyline") (90 . 3) (70 . 1) (38 . 2.5)
+           (10 0 0) (40 . 0.5) (41 . 1.0) (10 10 0) (42 . 0.5) (10 10 10)
+           (-3 ("ZKTEST" (1000 . "parcel 7") (1040 . 12.5)))))
+(setq lw (entlast))
+(type (setq p2 (ZEPK-Poly->2dPoly lw)))
+(entget lw)
+(setq d (entget p2 '("ZKTEST")))
+(mapcar '(lambda (g) (cdr (assoc g d))) '(0 8 62 70 10))
+(cdr (assoc -3 d))
+; The vertices one by one: position, widths, bulge.
+(setq v (entnext p2) n 0)
+(while (= "VERTEX" (cdr (assoc 0 (setq vd (entget v)))))
+  (print (mapcar '(lambda (g) (cdr (assoc g vd))) '(10 40 41 42 70)))
+  (setq v (entnext v) n (1+ n)))
+n
+(cdr (assoc 0 vd))
+(vlax-curve-getArea p2)
+; Kept: a line and an arc stay, their polylines are added.
+(entmake '((0 . "LINE") (8 . "0") (10 1 1 0) (11 4 5 0)))
+(setq ln (entlast))
+(entmake (list '(0 . "ARC") '(10 0 0 3) '(40 . 2.0) '(50 . 0.0) (cons 51 (* 0.5 pi))))
+(setq ar (entlast))
+(setq ss (ssadd ln (ssadd ar)))
+(type (setq got (ZEPK-Poly->2dPoly ss T)))
+(sslength got)
+(list (cdr (assoc 0 (entget ln))) (cdr (assoc 0 (entget ar))))
+(vlax-curve-getEndPoint (ssname got 0))
+(vlax-curve-getPointAtParam (ssname got 1) 0.5)
+; A list of names gives a list; a 2D polyline stands for itself, a text for nothing.
+(entmake '((0 . "TEXT") (10 0 0 0) (40 . 1.0) (1 . "x")))
+(setq tx (entlast))
+(setq got (ZEPK-Poly->2dPoly (list p2 tx ln)))
+(length got)
+(eq (car got) p2)
+(cdr (assoc 0 (entget (cadr got))))
+(entget ln)
+(ZEPK-Poly->2dPoly tx)
+; Arguments.
+(ZEPK-Poly->2dPoly)
+(ZEPK-Poly->2dPoly 5)
+(ZEPK-Poly->2dPoly p2 T 1)
