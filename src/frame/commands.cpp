@@ -5,6 +5,7 @@
 #include "frame/commands.h"
 
 #include "drawing/lisp.h"
+#include "drawing/hatchassoc.h"
 #include "drawing/poly2d_cmd.h"
 #include "frame/callbacks.h"
 #include "frame/smallcmds.h"
@@ -99,7 +100,7 @@ const CommandRow kTable2[] = {
     {u"ZEPK_ADDENTITY_COMMANDS", u"ZKBPOLY", u"BP", 1, nullptr, "Topology polygons", "boundary polygon at a point"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"TOUPUOUT", u"TOPUOUT", 1, nullptr, "Topology polygons", "outer polygons"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"_HATCHLOOP", u"HATCHLOOP", 1, drawing::cmdHatchLoop, "Entities, layers and documents", "loops of a hatch as objects"},
-    {u"ZEPK_ADDENTITY_COMMANDS", u"_HATCHASSOC", u"HATCHASSOC", 1, nullptr, "Entities, layers and documents", "makes a hatch associative"},
+    {u"ZEPK_ADDENTITY_COMMANDS", u"_HATCHASSOC", u"HATCHASSOC", 1, drawing::cmdHatchAssoc, "Entities, layers and documents", "makes a hatch associative: each loop that has the shape of a selected closed curve gets it as its source"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"_BoundaryClip", u"BCLIP", 1, nullptr, "Block clipping", "boundary clip"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"SPLINEJION", u"SPLJION", 1, nullptr, "Joining", "joins splines"},
     {u"ZEPK_ADDENTITY_COMMANDS", u"_MTBGF", u"MTBGF", 1, drawing::cmdMtbgf, "Entities, layers and documents", "background fill of text"},

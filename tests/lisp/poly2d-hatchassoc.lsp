@@ -1,0 +1,31 @@
+; HATCHASSOC: the loops of a hatch tied to the closed curves of their
+; shape, whichever vertex they start at and whichever way they run.
+(setq sq (entmakex '((0 . "LWPOLYLINE") (100 . "AcDbEntity") (100 . "AcDbPolyline") (90 . 4) (70 . 1)
+                     (10 0.0 0.0) (42 . 0.0) (10 10.0 0.0) (42 . 1.0) (10 10.0 10.0) (42 . 0.0) (10 0.0 10.0) (42 . 0.0))))
+(setq ci (ZEPK-Make-Circle '(3 3) 1.0))
+(setq h (entmakex '((0 . "HATCH") (100 . "AcDbEntity") (100 . "AcDbHatch") (10 0.0 0.0 0.0) (210 0.0 0.0 1.0)
+                    (2 . "SOLID") (70 . 1) (71 . 0) (91 . 0) (75 . 0) (76 . 1) (98 . 0))))
+(ZEPK-Hatch-AppendLoop h (list sq ci))
+(ZEPK-Hatch-AppendLoop h '((20 0) (30 0) (25 5)))
+; The same square, run the other way from another corner; a circle elsewhere;
+; an open line; the triangle as a closed 2D polyline.
+(setq sq2 (entmakex '((0 . "LWPOLYLINE") (100 . "AcDbEntity") (100 . "AcDbPolyline") (90 . 4) (70 . 1)
+                      (10 10.0 10.0) (42 . -1.0) (10 10.0 0.0) (42 . 0.0) (10 0.0 0.0) (42 . 0.0) (10 0.0 10.0) (42 . 0.0))))
+(setq far (ZEPK-Make-Circle '(40 40) 1.0))
+(setq ln (ZEPK-Make-Line '(0 0) '(10 0)))
+(entmake '((0 . "LWPOLYLINE") (100 . "AcDbEntity") (100 . "AcDbPolyline") (90 . 3) (70 . 1) (10 25 5) (10 20 0) (10 30 0)))
+(setq tri (ZEPK-Poly->2dPoly (entlast)))
+(cdr (assoc 71 (entget h)))
+(command "HATCHASSOC" h sq2 far ln tri "")
+(setq d (entget h))
+(cdr (assoc 71 d))
+(equal (cdr (assoc 330 (member '(97 . 1) d))) sq2)
+(length (vl-remove-if-not '(lambda (g) (= (car g) 97)) d))
+(mapcar '(lambda (g) (cdr g)) (vl-remove-if-not '(lambda (g) (= (car g) 97)) d))
+(equal (cdr (assoc 330 (entget sq2))) h)
+(member (cons 330 h) (entget sq2))
+(member (cons 330 h) (entget tri))
+(member (cons 330 h) (entget far))
+; The circle alone; a line is no hatch.
+(command "HATCHASSOC" h ci "")
+(command "HATCHASSOC" ln)
