@@ -52,7 +52,7 @@ TEST(HatchAssocOutlines, DistanceToArcsAndSegments) {
   // A half circle of radius 5 about (10, 5), to the right of x = 10.
   PolylineData a = outline({{0, 0}, {10, 0, 1.0}, {10, 10}, {0, 10}});
   EXPECT_NEAR(distanceToOutline(a, 17, 5), 2.0, 1e-12);   // outside the arc
-  EXPECT_NEAR(distanceToOutline(a, 12, 5), 2.0, 1e-12);   // inside, nearer the side x = 10
+  EXPECT_NEAR(distanceToOutline(a, 12, 5), 3.0, 1e-12);   // inside the half circle
   EXPECT_NEAR(distanceToOutline(a, 5, -3), 3.0, 1e-12);   // below the bottom edge
   EXPECT_NEAR(distanceToOutline(a, 10, 13), 3.0, 1e-12);  // above the arc's end, beyond the sweep
   EXPECT_NEAR(distanceToOutline(outline({{0, 0}, {10, 0}}, false), 5, 4), 4.0, 1e-12);
