@@ -9,6 +9,7 @@
 #include "drawing/hatchloops.h"
 #include "geometry/curves.h"
 #include "host/aced.h"
+#include "host/dbapserv.h"
 #include "host/dbhatch.h"
 #include "host/dbpl.h"
 

@@ -6,6 +6,7 @@
 
 #include "geometry/poly2d_lisp.h"
 #include "host/aced.h"
+#include "host/dbapserv.h"
 #include "host/dbents.h"
 #include "host/dbmain.h"
 #include "host/dbpl.h"

@@ -27,10 +27,6 @@ AcDb2dPolyline* make2dPoly(const AcDbCurve* source) {
   AcDb2dPolyline* out = nullptr;
   if (lw->convertTo(out, false) != Acad::eOk || !out) return nullptr;
   out->setPropertiesFrom(source);
-  if (resbuf* xd = source->xData()) {
-    out->setXData(xd);
-    acutRelRb(xd);
-  }
   return out;
 }
 
@@ -56,7 +52,15 @@ AcDbObjectId curveTo2dPoly(AcDbObjectId id, bool keep) {
   AcDb2dPolyline* made = make2dPoly(c.object());
   if (!made) return AcDbObjectId::kNull;
   AcDbObjectId out = appendBeside(c.object(), made);
-  if (!out.isNull() && !keep) c->erase();
+  if (out.isNull()) return out;
+  // Extended data names registered applications: it goes on once the
+  // polyline is in the drawing.
+  if (resbuf* xd = c->xData()) {
+    AcDbObjectPointer<AcDb2dPolyline> p(out, AcDb::kForWrite);
+    if (p.openStatus() == Acad::eOk) p->setXData(xd);
+    acutRelRb(xd);
+  }
+  if (!keep) c->erase();
   return out;
 }
 

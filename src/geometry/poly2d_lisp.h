@@ -1,6 +1,8 @@
 // LISP functions on old-style 2D polylines.
 #pragma once
 
+#include <string>
+
 #include "host/dbid.h"
 
 namespace zepk::geometry {

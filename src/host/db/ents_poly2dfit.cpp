@@ -97,6 +97,13 @@ Acad::ErrorStatus AcDb2dPolyline::refit(AcDb::Poly2dType type, int splineSegs) {
   zepk::db::flushSubentities(this);
   assertWriteEnabled();
 
+  // Every vertex must open for write (none on a locked layer, none open
+  // elsewhere) before anything changes.
+  for (auto& slot : seq->items) {
+    if (!slot.pending && slot.id.isErased()) continue;
+    if (!withVertex(slot, [](AcDb2dVertex*) {})) return Acad::eWasOpenForWrite;
+  }
+
   // 1. Drop the vertices an earlier fit made; read the others.
   std::vector<Orig> orig;
   std::vector<zepk::db::OwnedSequence::Slot> kept;
@@ -118,8 +125,7 @@ Acad::ErrorStatus AcDb2dPolyline::refit(AcDb::Poly2dType type, int splineSegs) {
       o.tangentSet = v->isTangentUsed();
       o.tangent = v->tangent();
     });
-    if (!ok) return Acad::eWasOpenForWrite;
-    if (fitted) continue;
+    if (!ok || fitted) continue;
     orig.push_back(o);
     kept.push_back(std::move(slot));
   }
